@@ -1,0 +1,142 @@
+// Drawing: device contexts, pens, brushes, fonts and bitmaps over an image.
+//
+// A CPaintDC paints a control during its paint; a memory DC (CreateCompatibleDC) draws into a CBitmap, and
+// BitBlt copies it. Coordinates are pixels of the control's client area. Lines leave out their last pixel
+// and rectangles and ellipses their right and bottom edge, as the desktop API they stand in for does.
+#pragma once
+
+#include <memory>
+
+#include "platform/strings.h"
+#include "platform/types.h"
+
+class CWnd;
+class CDC;
+
+namespace platform {
+struct DcState;
+}
+
+constexpr int PS_SOLID = 0;
+constexpr int PS_DASH = 1;
+constexpr int PS_DOT = 2;
+constexpr int PS_NULL = 5;
+
+constexpr int TRANSPARENT = 1;
+constexpr int OPAQUE = 2;
+
+constexpr DWORD SRCCOPY = 0x00CC0020;
+
+constexpr UINT DT_LEFT = 0x0;
+constexpr UINT DT_CENTER = 0x1;
+constexpr UINT DT_RIGHT = 0x2;
+constexpr UINT DT_VCENTER = 0x4;
+constexpr UINT DT_SINGLELINE = 0x20;
+
+class CGdiObject {
+public:
+    virtual ~CGdiObject() = default;
+};
+
+class CPen : public CGdiObject {
+public:
+    CPen() = default;
+    CPen(int style, int width, COLORREF color) { CreatePen(style, width, color); }
+    BOOL CreatePen(int style, int width, COLORREF color);
+    BOOL DeleteObject() { m_created = false; return TRUE; }
+
+    int m_style = PS_SOLID;
+    int m_width = 1;
+    COLORREF m_color = 0;
+    bool m_created = false;
+};
+
+class CBrush : public CGdiObject {
+public:
+    CBrush() = default;
+    explicit CBrush(COLORREF color) { CreateSolidBrush(color); }
+    BOOL CreateSolidBrush(COLORREF color);
+    BOOL DeleteObject() { m_created = false; return TRUE; }
+
+    COLORREF m_color = 0;
+    bool m_created = false;
+};
+
+class CFont : public CGdiObject {
+public:
+    // pointSize is in tenths of a point (110 is 11 points). Faces that this system lacks fall back to
+    // metric-compatible ones ("Times New Roman" to a serif, "MS Sans Serif" to a sans face).
+    BOOL CreatePointFont(int pointSize, LPCTSTR faceName, CDC* dc = nullptr);
+    BOOL DeleteObject() { m_created = false; return TRUE; }
+
+    int m_pointSizeTenths = 100;
+    CString m_face;
+    bool m_created = false;
+};
+
+class CBitmap : public CGdiObject {
+public:
+    CBitmap();
+    ~CBitmap() override;
+    BOOL CreateCompatibleBitmap(CDC* dc, int width, int height);
+    BOOL DeleteObject();
+    int Width() const;
+    int Height() const;
+    // The pixel at (x, y) as RGB, for tests; 0 outside.
+    COLORREF GetPixel(int x, int y) const;
+    // Layer internals: the image behind the bitmap (a QImage).
+    void* Image() const;
+
+private:
+    struct Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+class CDC {
+public:
+    CDC();
+    virtual ~CDC();
+    CDC(const CDC&) = delete;
+    CDC& operator=(const CDC&) = delete;
+
+    // A memory DC compatible with dc; draws into the bitmap selected into it.
+    BOOL CreateCompatibleDC(CDC* dc);
+    BOOL DeleteDC();
+
+    CPen* SelectObject(CPen* pen);
+    CBrush* SelectObject(CBrush* brush);
+    CFont* SelectObject(CFont* font);
+    CBitmap* SelectObject(CBitmap* bitmap);
+
+    int SetBkMode(int mode);
+    COLORREF SetTextColor(COLORREF color);
+
+    void FillRect(const RECT* rect, CBrush* brush);
+    void FillSolidRect(const RECT* rect, COLORREF color);
+    CPoint MoveTo(int x, int y);
+    BOOL LineTo(int x, int y);
+    BOOL Ellipse(int x1, int y1, int x2, int y2);
+    BOOL Rectangle(int x1, int y1, int x2, int y2);
+    COLORREF SetPixel(int x, int y, COLORREF color);
+    BOOL TextOut(int x, int y, const CString& text);
+    int DrawText(const CString& text, RECT* rect, UINT format);
+    BOOL DrawIcon(int x, int y, HICON icon);
+    BOOL BitBlt(int x, int y, int width, int height, CDC* source, int xSource, int ySource, DWORD rop);
+
+    // Layer internals: the painter (a QPainter) this DC draws with, or null.
+    void* Painter() const;
+
+protected:
+    // Begins painting on a device (a QPaintDevice): used by CPaintDC and by SelectObject(CBitmap*).
+    void BeginOn(void* paintDevice);
+    void EndPainting();
+
+    std::unique_ptr<platform::DcState> m_state;
+};
+
+// The DC of a control's paint: draws on the control's window.
+class CPaintDC : public CDC {
+public:
+    explicit CPaintDC(CWnd* window);
+    ~CPaintDC() override;
+};

@@ -1,0 +1,38 @@
+// CFile and the executable's directory.
+#pragma once
+
+#include <cstdio>
+
+#include "platform/strings.h"
+#include "platform/types.h"
+
+class CFile {
+public:
+    enum OpenFlags : UINT { modeRead = 0x0, modeWrite = 0x1, modeReadWrite = 0x2, modeCreate = 0x1000 };
+    enum SeekPosition : UINT { begin = 0, current = 1, end = 2 };
+
+    CFile() = default;
+    ~CFile();
+    CFile(const CFile&) = delete;
+    CFile& operator=(const CFile&) = delete;
+
+    // modeCreate alone creates the file or empties an existing one, and opens it for writing.
+    // modeWrite alone opens an existing file for writing without emptying it; it fails if the file is missing.
+    BOOL Open(LPCTSTR path, UINT flags);
+    void Close();
+    // Length in bytes; 0 for a closed file.
+    unsigned long long GetLength() const;
+    UINT Read(void* buffer, UINT count);
+    void Write(const void* buffer, UINT count);
+    long long Seek(long long offset, UINT from);
+
+private:
+    std::FILE* m_file = nullptr;
+};
+
+// Fills buffer with the full path of the running executable; module must be null. Returns the length.
+DWORD GetModuleFileNameA(void* module, LPTSTR buffer, DWORD size);
+
+// The directory that GetModuleFileNameA reports can be moved for a scripted session, so that its result and
+// output files land in a directory of the caller's choosing. An empty path restores the real one.
+void AfxSetModuleDirectory(const CString& directory);

@@ -1,0 +1,69 @@
+#include "platform/strings.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+void CString::Format(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    va_list copy;
+    va_copy(copy, args);
+    const int needed = std::vsnprintf(nullptr, 0, format, copy);
+    va_end(copy);
+    if (needed < 0) {
+        m_text.clear();
+        va_end(args);
+        return;
+    }
+    std::vector<char> buffer(static_cast<size_t>(needed) + 1);
+    std::vsnprintf(buffer.data(), buffer.size(), format, args);
+    va_end(args);
+    m_text.assign(buffer.data(), static_cast<size_t>(needed));
+}
+
+int CString::ReverseFind(char ch) const {
+    const size_t pos = m_text.rfind(ch);
+    return pos == std::string::npos ? -1 : static_cast<int>(pos);
+}
+
+int CString::Find(const char* text, int start) const {
+    if (start < 0 || static_cast<size_t>(start) > m_text.size()) return -1;
+    const size_t pos = m_text.find(text, static_cast<size_t>(start));
+    return pos == std::string::npos ? -1 : static_cast<int>(pos);
+}
+
+CString CString::Left(int count) const {
+    if (count <= 0) return CString();
+    return CString(m_text.substr(0, static_cast<size_t>(count)));
+}
+
+CString CString::Right(int count) const {
+    if (count <= 0) return CString();
+    const size_t n = static_cast<size_t>(count);
+    return n >= m_text.size() ? *this : CString(m_text.substr(m_text.size() - n));
+}
+
+CString CString::Mid(int first) const {
+    if (first < 0) first = 0;
+    if (static_cast<size_t>(first) >= m_text.size()) return CString();
+    return CString(m_text.substr(static_cast<size_t>(first)));
+}
+
+CString CString::Mid(int first, int count) const {
+    if (first < 0) first = 0;
+    if (count <= 0 || static_cast<size_t>(first) >= m_text.size()) return CString();
+    return CString(m_text.substr(static_cast<size_t>(first), static_cast<size_t>(count)));
+}
+
+void CString::TrimLeft() {
+    size_t i = 0;
+    while (i < m_text.size() && std::strchr(" \t\r\n", m_text[i]) != nullptr && m_text[i] != '\0') ++i;
+    m_text.erase(0, i);
+}
+
+void CString::TrimRight() {
+    while (!m_text.empty() && std::strchr(" \t\r\n", m_text.back()) != nullptr && m_text.back() != '\0')
+        m_text.pop_back();
+}

@@ -1,0 +1,168 @@
+// The ten dialogs that the workspace keeps as members, so that what a user typed stays from one opening to
+// the next. Their handlers are defined with the subsystem they serve: files/ (data set, initialization,
+// verification), shell/ (plot ranges), training/ (online training).
+#pragma once
+
+#include "platform/window.h"
+
+class CDataSetInfoDlg : public CDialog {
+public:
+    enum { IDD = 129 };
+    CDataSetInfoDlg() : CDialog(IDD) {}
+    void OnOK() override;
+    void OnClassification();
+    void OnApproximation();
+
+    UINT m_nInputs = 0;
+    UINT m_nOutputs = 0;
+    int m_nDataSetType = 0;
+    UINT m_nPatterns = 0;
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+    DECLARE_MESSAGE_MAP()
+};
+
+class CInitializationDlg : public CDialog {
+public:
+    enum { IDD = 130 };
+    CInitializationDlg() : CDialog(IDD) {}
+    BOOL OnInitDialog() override;
+    void OnOK() override;
+
+    double m_dInputWeightMin = 0.5;
+    double m_dInputWeightMax = 1.0;
+    double m_dInputWeightFixed = 1.0;
+    double m_dOutputWeightMin = 0.5;
+    double m_dOutputWeightMax = 1.0;
+    double m_dOutputWeightFixed = 1.0;
+    double m_dWidthMin = 0.5;
+    double m_dWidthMax = 1.0;
+    double m_dWidthFixed = 1.0;
+    int m_nInputWeightMode = 1;
+    int m_nOutputWeightMode = 1;
+    int m_nWidthMode = 1;
+    int m_nCenterMode = 2;
+    UINT m_nUnits = 1;
+    double m_dMomentum = 0.5;
+    double m_dLearningConstant = 0.001;
+    int m_nLoadFromFile = 0;
+    UINT m_nPatterns = 0;
+
+    CEdit m_editLearningConstant;
+    CEdit m_editMomentum;
+    CButton m_btnLoadFromFile;
+    CButton m_btnManual;
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+    void OnManualSelection();
+    void OnLoadFromFile();
+    void OnInputWeightRandom();
+    void OnInputWeightFixed();
+    void OnOutputWeightRandom();
+    void OnOutputWeightFixed();
+    void OnWidthRandom();
+    void OnWidthFixed();
+    void OnCenterFromRange();
+    void OnCenterWithRepetition();
+    void OnCenterNoRepetition();
+    // Enables the controls of the manual selection (or disables all of them when loading from a file).
+    void ApplyEnableRules();
+    void ApplyGroupRule(int mode, int lowerId, int upperId, int fixedId);
+    DECLARE_MESSAGE_MAP()
+};
+
+class CErrCorInitDlg : public CDialog {
+public:
+    enum { IDD = 1038 };
+    CErrCorInitDlg() : CDialog(IDD) {}
+    UINT m_nMaxUnits = 5;
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+};
+
+// The three dialogs of a pair of boundaries (exponents of ten) share their shape.
+class CRangeDlg : public CDialog {
+public:
+    explicit CRangeDlg(UINT idd) : CDialog(idd) {}
+    double m_dLower = 0;
+    double m_dUpper = 0;
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+};
+
+class CIterationXRangeDlg : public CRangeDlg {
+public:
+    enum { IDD = 136 };
+    CIterationXRangeDlg() : CRangeDlg(IDD) {}
+};
+
+class CIterationYRangeDlg : public CRangeDlg {
+public:
+    enum { IDD = 1039 };
+    CIterationYRangeDlg() : CRangeDlg(IDD) {}
+};
+
+class CSummaryYRangeDlg : public CRangeDlg {
+public:
+    enum { IDD = 1040 };
+    CSummaryYRangeDlg() : CRangeDlg(IDD) {}
+};
+
+class CSummaryXRangeDlg : public CDialog {
+public:
+    enum { IDD = 137 };
+    CSummaryXRangeDlg() : CDialog(IDD) {}
+    UINT m_nMultiplier = 0;
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+};
+
+class CTest1DDlg : public CDialog {
+public:
+    enum { IDD = 138 };
+    CTest1DDlg() : CDialog(IDD) {}
+    double m_dMaxValue = 0;
+    double m_dMinValue = 0;
+    UINT m_nPoints = 0;
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+};
+
+class CTest2DDlg : public CDialog {
+public:
+    enum { IDD = 139 };
+    CTest2DDlg() : CDialog(IDD) {}
+    double m_dMaxX = 0;
+    double m_dMinX = 0;
+    UINT m_nPointsX = 0;
+    double m_dMaxY = 0;
+    double m_dMinY = 0;
+    UINT m_nPointsY = 0;
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+};
+
+class COnlineSettingsDlg : public CDialog {
+public:
+    enum { IDD = 140 };
+    COnlineSettingsDlg() : CDialog(IDD) {}
+    UINT m_nCurrentUnits = 0;
+    UINT m_nExtraUnits = 0;
+    CString m_strNewDataPath;
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+};
+
+class CAboutDlg : public CDialog {
+public:
+    enum { IDD = 100 };
+    CAboutDlg() : CDialog(IDD) {}
+};

@@ -1,0 +1,30 @@
+// CDoubleArray: a growable array of doubles, for the plots' series and the error lists of a run.
+#pragma once
+
+class CDoubleArray {
+public:
+    CDoubleArray() = default;
+    ~CDoubleArray();
+    CDoubleArray(const CDoubleArray&) = delete;
+    CDoubleArray& operator=(const CDoubleArray&) = delete;
+
+    int GetSize() const { return m_nSize; }
+    double GetAt(int index) const { return m_pData[index]; }
+    void SetAt(int index, double value) { m_pData[index] = value; }
+    // Appends one element and returns its index.
+    int Add(double value);
+    // Frees the block; the size becomes 0.
+    void RemoveAll();
+    // New elements read 0.0; kept elements keep their values. Size 0 frees the block; shrinking to any
+    // other size keeps it. growBy -1 keeps the stored growth step.
+    void SetSize(int newSize, int growBy = -1);
+    double* GetData() { return m_pData; }
+    const double* GetData() const { return m_pData; }
+
+    double* m_pData = nullptr;
+
+private:
+    int m_nSize = 0;
+    int m_nMaxSize = 0;
+    int m_nGrowBy = 0;
+};

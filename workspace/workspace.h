@@ -1,0 +1,179 @@
+// CVantrelDlg: the workspace and main dialog. All state of the tool lives here: the data set, the network,
+// the training scratch arrays, every setting, the control wrappers, the three plots and the ten dialogs.
+//
+// Fields stand in their declared order. Member functions are defined in the folder of the subsystem they
+// belong to: network/ (model, derivatives, draw, inversion), training/ (runs), files/ (data, initialization,
+// parameter and result files), shell/ (main window handlers).
+#pragma once
+
+#include <atomic>
+
+#include "platform/window.h"
+#include "shell/plots.h"
+#include "workspace/dialogs.h"
+#include "workspace/doublearray.h"
+
+class CVantrelDlg : public CDialog {
+public:
+    enum { IDD = 102 };
+    explicit CVantrelDlg(CWnd* parent = nullptr);
+    ~CVantrelDlg() override;
+
+    // ---- data set, network and scratch --------------------------------------------------------------------
+    CString m_strDataPath;
+    UINT m_nPatterns = 0;
+    UINT m_nOutputs = 0;
+    UINT m_nInputs = 0;
+    UINT m_nMaxUnits = 5;
+    UINT m_nParams = 0;
+
+    double* m_pInputs = nullptr;             // m_nPatterns x m_nInputs
+    double* m_pTargets = nullptr;            // m_nPatterns x m_nOutputs
+    double* m_pInputWeights = nullptr;       // units x m_nInputs
+    double* m_pOutputWeights = nullptr;      // (units + 1) x m_nOutputs, bias first
+    double* m_pWidths = nullptr;             // units
+    double* m_pCenters = nullptr;            // units x m_nInputs
+    double* m_pInitInputWeights = nullptr;   // copies as the latest initialization made them
+    double* m_pInitOutputWeights = nullptr;
+    double* m_pInitWidths = nullptr;
+    double* m_pInitCenters = nullptr;
+    double* m_pOutputs = nullptr;            // m_nPatterns x m_nOutputs
+    double* m_pGradient = nullptr;           // m_nParams
+    double* m_pHessian = nullptr;            // m_nParams x m_nParams
+    double* m_pHessianInv = nullptr;         // m_nParams x m_nParams
+    double* m_pParams = nullptr;             // m_nParams
+    double* m_pDelta = nullptr;              // m_nParams
+
+    // ---- flags and algorithm ------------------------------------------------------------------------------
+    // The one signal from the window to a running worker, polled once per iteration. Atomic, because a plain
+    // byte shared between threads has no defined meaning in C++.
+    std::atomic<bool> m_bTraining{false};
+    bool m_bDataLoaded = false;
+    bool m_bNetworkReady = false;
+    bool m_bClassification = false;
+    int m_nAlgorithm = 0;
+
+    int m_nInfoLines = 0;
+    double m_dLearningConstant = 0.001;
+    double m_dMomentum = 0.5;
+
+    // ---- dialogs ------------------------------------------------------------------------------------------
+    CDataSetInfoDlg m_dlgDataSetInfo;
+    CInitializationDlg m_dlgInitialization;
+    CErrCorInitDlg m_dlgErrCorInit;
+    CIterationXRangeDlg m_dlgIterationXRange;
+    CIterationYRangeDlg m_dlgIterationYRange;
+    CSummaryXRangeDlg m_dlgSummaryXRange;
+    CSummaryYRangeDlg m_dlgSummaryYRange;
+    CTest1DDlg m_dlgTest1D;
+    CTest2DDlg m_dlgTest2D;
+    COnlineSettingsDlg m_dlgOnlineSettings;
+
+    // ---- control wrappers and plots -------------------------------------------------------------------------
+    CButton m_btnCreate2D;
+    CButton m_btnCreate1D;
+    CButton m_btnTrainingPatterns;
+    CButton m_btnTestingPatterns;
+    CButton m_btnOnline;
+    CStatic m_lblTotalTime;
+    CStatic m_lblTotalError;
+    CEdit m_editInfo;
+    CDataPlot m_dataPlot;
+    CListBox m_listInfo;
+    CComboBox m_comboAlgorithm;
+    CSummaryPlot m_summaryPlot;
+    CIterationPlot m_iterationPlot;
+
+    // ---- values exchanged with the main dialog's controls ----------------------------------------------------
+    double m_dDesiredError = 0.0001;
+    UINT m_nIterations = 200;
+    CString m_strDataTitle;
+    UINT m_nCurrentIteration = 0;
+    double m_dPartialError = 0.0;
+    double m_dPartialTime = 0.0;
+    UINT m_nUnits = 0;
+    double m_dTotalError = 0.0;
+    double m_dTotalTime = 0.0;
+    UINT m_nTrials = 1;
+    int m_bOnline = 0;
+    int m_bSaveResults = 0;
+    CString m_strInfoEntry;
+    int m_nCurveMode = 0;
+    int m_nGeneralization = 0;
+    HICON m_hIcon = 128;
+
+    // ---- network model (network/) -----------------------------------------------------------------------------
+    void PackParameters();
+    void UnpackParameters();
+    double ComputeError();
+    double ComputeOutputs();
+    double EvaluatePoint(double x, double y);
+    UINT FindWorstPattern();
+    void AccumulateSecondOrder();
+    void AccumulateImprovedSecondOrder();
+    void AccumulateGradient();
+    void AccumulateImprovedGradient();
+    void InitializeNetwork();
+
+    // ---- matrix inversion (network/) ----------------------------------------------------------------------------
+    void InvertHessian();
+    void LUdcmp(double* a, int n, int* indx);
+    void LUBackSubstitute(double* a, int n, int* indx, double* b, double* x);
+
+    // ---- training (training/) ----------------------------------------------------------------------------------
+    void OnStartTraining();
+    void ResetNetwork();
+    void AddUnitAtWorstPattern();
+    void OnOnlineTraining();
+
+    // ---- files (files/) -----------------------------------------------------------------------------------------
+    void OnLoadData();
+    void OnInitialization();
+    void ShowSettings();
+    int CreateResultFile(CString* path);
+    void WriteRunResults(CString* path, UINT units, UINT iterations, double error);
+    void WriteErrCorResults(CString* path, UINT units, UINT iterations, double error);
+    void OnVerification();
+
+    // ---- main window (shell/) ------------------------------------------------------------------------------------
+    BOOL OnInitDialog() override;
+    void AppendInfo(CString strLine);
+    void ClearInfo();
+    // Enter and Esc do not end the program: only the close box does (OnClose).
+    void OnOK() override {}
+    void OnCancel() override {}
+
+    void OnSysCommand(UINT nID, LPARAM lParam);
+    void OnPaint() override;
+    HCURSOR OnQueryDragIcon();
+    void OnClose();
+    void OnClearCurves();
+    void OnShowInfo();
+    void OnSelchangeAlgorithm();
+    void OnSaveResults();
+    void OnTrainingPatterns();
+    void OnTestingPatterns();
+    void OnCreate2DPatterns();
+    void OnCreate1DPatterns();
+    void OnOneCurve();
+    void OnMultipleCurves();
+    void OnRButtonDown(UINT nFlags, CPoint point);
+    void OnIterationXRange();
+    void OnSummaryXRange();
+    void OnIterationYRange();
+    void OnSummaryYRange();
+
+    // Releases every array the workspace owns (the close of the dialog, and the destructor).
+    void ReleaseArrays();
+
+protected:
+    void DoDataExchange(CDataExchange* dx) override;
+    DECLARE_MESSAGE_MAP()
+};
+
+// The run functions: one argument, the workspace; 0 after a normal end, 1 after Stop or a failed result file.
+UINT TrainSecondOrder(void* pParam);
+UINT TrainImprovedSecondOrder(void* pParam);
+UINT TrainByErrorCorrection(void* pParam);
+UINT TrainFirstOrder(void* pParam);
+UINT TrainImprovedFirstOrder(void* pParam);
