@@ -19,5 +19,9 @@ CWinThread* AfxBeginThread(AFX_THREADPROC proc, void* param, int priority = 0, U
 // Number of workers started by AfxBeginThread that have not yet returned.
 int AfxRunningWorkers();
 
+// Main thread: keeps the window responsive (a worker may be waiting on a message box) until every worker has
+// returned and everything it queued for the window is shown.
+void AfxWaitForWorkers();
+
 // True on the thread that created the windows (the main thread).
 bool AfxIsGuiThread();

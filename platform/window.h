@@ -28,6 +28,7 @@ class DialogWindow;  // the Qt side of a dialog, private to the layer
 
 // A message as the layer delivers it to a window's message map.
 struct AfxMessage {
+    AfxMessage(UINT msg = 0, UINT notifyCode = 0, UINT itemId = 0) : message(msg), code(notifyCode), id(itemId) {}
     UINT message = 0;  // WM_COMMAND, WM_CLOSE, WM_SYSCOMMAND, WM_PAINT, WM_RBUTTONDOWN, WM_QUERYDRAGICON
     UINT code = 0;     // WM_COMMAND: BN_CLICKED, CBN_SELCHANGE, or 0 for a menu command
     UINT id = 0;       // WM_COMMAND: control or command ID; WM_SYSCOMMAND: the command

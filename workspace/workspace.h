@@ -165,6 +165,9 @@ public:
 
     // Releases every array the workspace owns (the close of the dialog, and the destructor).
     void ReleaseArrays();
+    // The rules that the algorithm's selection sets: read-out captions, trials, curve radios, summary axis,
+    // online training, and the default number of iterations.
+    void ApplyAlgorithmRules();
 
 protected:
     void DoDataExchange(CDataExchange* dx) override;

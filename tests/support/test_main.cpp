@@ -3,13 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <clocale>
 #include <cstdlib>
+
+#include "platform/app.h"
 
 int main(int argc, char** argv) {
     ::testing::InitGoogleTest(&argc, argv);
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     QApplication app(argc, argv);
-    std::setlocale(LC_NUMERIC, "C");
+    AfxInitPlatform();
     return RUN_ALL_TESTS();
 }

@@ -1,0 +1,128 @@
+// Data exchange between dialog fields and controls.
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "platform/dialogwindow.h"
+#include "platform/prompt.h"
+#include "platform/window.h"
+
+namespace {
+
+platform::DialogWindow* WindowWith(CDataExchange* dx, int id) {
+    platform::DialogWindow* window = dx->m_pDlgWnd != nullptr ? dx->m_pDlgWnd->Window() : nullptr;
+    return (window != nullptr && window->HasControl(id)) ? window : nullptr;
+}
+
+std::string Trimmed(const std::string& text) {
+    const size_t first = text.find_first_not_of(" \t");
+    if (first == std::string::npos) return std::string();
+    const size_t last = text.find_last_not_of(" \t");
+    return text.substr(first, last - first + 1);
+}
+
+// The framework's own prompt for a text that does not parse; the exchange stops at that field.
+[[noreturn]] void Refuse(CDataExchange* dx, const char* prompt) {
+    AfxPromptHook().MessageBox(dx->m_pDlgWnd, prompt, AfxAppTitle(), MB_ICONEXCLAMATION);
+    dx->Fail();
+}
+
+bool ParseDouble(const std::string& text, double& value) {
+    const std::string t = Trimmed(text);
+    if (t.empty()) return false;
+    char* end = nullptr;
+    const double parsed = std::strtod(t.c_str(), &end);
+    if (end != t.c_str() + t.size()) return false;
+    value = parsed;
+    return true;
+}
+
+bool ParseUnsigned(const std::string& text, UINT& value) {
+    const std::string t = Trimmed(text);
+    if (t.empty() || t[0] == '-') return false;
+    char* end = nullptr;
+    errno = 0;
+    const unsigned long long parsed = std::strtoull(t.c_str(), &end, 10);
+    if (end != t.c_str() + t.size() || errno == ERANGE || parsed > UINT_MAX) return false;
+    value = static_cast<UINT>(parsed);
+    return true;
+}
+
+bool ParseInt(const std::string& text, int& value) {
+    const std::string t = Trimmed(text);
+    if (t.empty()) return false;
+    char* end = nullptr;
+    errno = 0;
+    const long long parsed = std::strtoll(t.c_str(), &end, 10);
+    if (end != t.c_str() + t.size() || errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX) return false;
+    value = static_cast<int>(parsed);
+    return true;
+}
+
+}  // namespace
+
+void DDX_Text(CDataExchange* dx, int id, double& value) {
+    platform::DialogWindow* window = WindowWith(dx, id);
+    if (window == nullptr) return;
+    if (dx->m_bSaveAndValidate) {
+        if (!ParseDouble(window->Text(id), value)) Refuse(dx, "Please enter a number.");
+    } else {
+        char text[64];
+        std::snprintf(text, sizeof text, "%.15g", value);
+        window->SetText(id, text);
+    }
+}
+
+void DDX_Text(CDataExchange* dx, int id, UINT& value) {
+    platform::DialogWindow* window = WindowWith(dx, id);
+    if (window == nullptr) return;
+    if (dx->m_bSaveAndValidate) {
+        if (!ParseUnsigned(window->Text(id), value)) Refuse(dx, "Please enter a positive integer.");
+    } else {
+        window->SetText(id, std::to_string(value));
+    }
+}
+
+void DDX_Text(CDataExchange* dx, int id, int& value) {
+    platform::DialogWindow* window = WindowWith(dx, id);
+    if (window == nullptr) return;
+    if (dx->m_bSaveAndValidate) {
+        if (!ParseInt(window->Text(id), value)) Refuse(dx, "Please enter an integer.");
+    } else {
+        window->SetText(id, std::to_string(value));
+    }
+}
+
+void DDX_Text(CDataExchange* dx, int id, CString& value) {
+    platform::DialogWindow* window = WindowWith(dx, id);
+    if (window == nullptr) return;
+    if (dx->m_bSaveAndValidate) value = CString(window->Text(id));
+    else window->SetText(id, value.str());
+}
+
+void DDX_Check(CDataExchange* dx, int id, int& value) {
+    platform::DialogWindow* window = WindowWith(dx, id);
+    if (window == nullptr) return;
+    if (dx->m_bSaveAndValidate) value = window->Send(id, BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0;
+    else window->Send(id, BM_SETCHECK, value != 0 ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+void DDX_Radio(CDataExchange* dx, int id, int& value) {
+    platform::DialogWindow* window = WindowWith(dx, id);
+    if (window == nullptr) return;
+    const std::vector<int> group = window->RadioGroupOf(id);
+    if (dx->m_bSaveAndValidate) {
+        value = -1;
+        for (size_t i = 0; i < group.size(); ++i)
+            if (window->Send(group[i], BM_GETCHECK, 0, 0) == BST_CHECKED) value = static_cast<int>(i);
+    } else {
+        for (size_t i = 0; i < group.size(); ++i)
+            window->Send(group[i], BM_SETCHECK, static_cast<int>(i) == value ? BST_CHECKED : BST_UNCHECKED, 0);
+    }
+}
+
+void DDX_Control(CDataExchange* dx, int id, CWnd& control) {
+    if (platform::DialogWindow* window = WindowWith(dx, id)) window->Bind(id, &control);
+}

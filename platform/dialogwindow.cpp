@@ -1,0 +1,413 @@
+#include "platform/dialogwindow.h"
+
+#include <QApplication>
+#include <algorithm>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QFontMetrics>
+#include <QGroupBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QRadioButton>
+
+#include "platform/prompt.h"
+#include "platform/qtaccess.h"
+
+namespace platform {
+namespace {
+
+constexpr UINT SC_CLOSE = 0xF060;
+
+std::vector<DialogWindow*>& OpenWindows() {
+    static std::vector<DialogWindow*> windows;
+    return windows;
+}
+
+// A static control. Labels show their text; a control whose wrapper paints itself (a plot) is painted by the
+// wrapper, inside the sunken border when it has one. Statics let mouse clicks through to the dialog, as the
+// desktop's statics do, so a right click on a plot reaches the dialog's handler.
+class StaticWidget : public QLabel {
+public:
+    StaticWidget(DialogWindow* window, int id) : m_window(window), m_id(id) {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        CWnd* wnd = m_id > 0 ? m_window->Proxy(m_id) : nullptr;
+        if (wnd == nullptr || !wnd->PaintsItself()) {
+            QLabel::paintEvent(event);
+            return;
+        }
+        wnd->OnPaint();
+        QPainter painter(this);
+        drawFrame(&painter);
+    }
+
+private:
+    DialogWindow* m_window;
+    int m_id;
+};
+
+QString QtText(const char* text) { return QString::fromLatin1(text != nullptr ? text : ""); }
+
+}  // namespace
+
+QWidget* ActiveDialogWidget() {
+    if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+    auto& windows = OpenWindows();
+    return windows.empty() ? nullptr : windows.back();
+}
+
+DialogWindow::DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* parent)
+    : QDialog(parent), m_owner(owner), m_template(tpl), m_systemMenu(std::make_unique<CMenu>()) {
+    setWindowTitle(QtText(tpl.caption));
+    QFont font(QtText(tpl.fontFace));
+    font.setPointSize(tpl.fontPoints);
+    setFont(font);
+    ComputeBaseUnits();
+    setFixedSize(DluToPixelsX(tpl.cx), DluToPixelsY(tpl.cy));
+    setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                   Qt::WindowCloseButtonHint);
+    owner->AttachToWindow(this, 0);
+    for (int i = 0; i < tpl.controlCount; ++i) {
+        const ControlTemplate& control = tpl.controls[i];
+        QWidget* widget = CreateControl(control);
+        widget->setGeometry(DluToPixelsX(control.x), DluToPixelsY(control.y), DluToPixelsX(control.cx),
+                            DluToPixelsY(control.cy));
+        if (control.kind == ControlKind::ComboBox)  // the template's height is that of the open list
+            widget->resize(widget->width(), DluToPixelsY(12) + 2);
+        if (control.style & WS_DISABLED) widget->setEnabled(false);
+        if (control.id > 0) {
+            m_controls[control.id] = widget;
+            auto proxy = std::make_unique<CWnd>();
+            proxy->AttachToWindow(this, control.id);
+            m_proxies[control.id] = std::move(proxy);
+        }
+        Connect(control, widget);
+    }
+    OpenWindows().push_back(this);
+}
+
+DialogWindow::~DialogWindow() {
+    auto& windows = OpenWindows();
+    windows.erase(std::remove(windows.begin(), windows.end(), this), windows.end());
+    for (auto& [id, wrapper] : m_bound) wrapper->AttachToWindow(nullptr, id);
+    if (m_owner->Window() == this) m_owner->AttachToWindow(nullptr, 0);
+}
+
+void DialogWindow::ComputeBaseUnits() {
+    // One horizontal dialog unit is a quarter of the average character width, one vertical unit an eighth
+    // of the character height, both of the dialog's font, as the desktop computes them.
+    const QFontMetrics metrics(font());
+    const int alphabetWidth =
+        metrics.horizontalAdvance(QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"));
+    m_baseX = (alphabetWidth / 26 + 1) / 2;
+    m_baseY = metrics.height();
+    if (m_baseX <= 0) m_baseX = 6;
+    if (m_baseY <= 0) m_baseY = 13;
+}
+
+int DialogWindow::DluToPixelsX(int dlu) const { return (dlu * m_baseX + 2) / 4; }
+int DialogWindow::DluToPixelsY(int dlu) const { return (dlu * m_baseY + 4) / 8; }
+
+QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
+    const QString caption = QtText(control.caption);
+    switch (control.kind) {
+        case ControlKind::PushButton:
+        case ControlKind::DefPushButton: {
+            auto* button = new QPushButton(caption, this);
+            button->setAutoDefault(false);
+            button->setDefault(control.kind == ControlKind::DefPushButton);
+            return button;
+        }
+        case ControlKind::GroupBox: {
+            auto* box = new QGroupBox(caption, this);
+            box->setAttribute(Qt::WA_TransparentForMouseEvents);
+            return box;
+        }
+        case ControlKind::Icon: {
+            auto* label = new StaticWidget(this, control.id);
+            label->setPixmap(QPixmap::fromImage(IconImage(QString::fromLatin1(control.caption).toInt())));
+            return label;
+        }
+        case ControlKind::Static: {
+            auto* label = new StaticWidget(this, control.id);
+            label->setText(caption);
+            label->setAlignment((control.style & SS_CENTER) ? Qt::AlignHCenter | Qt::AlignTop
+                                                            : Qt::AlignLeft | Qt::AlignTop);
+            if (control.style & SS_SUNKEN) {
+                label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+                label->setLineWidth(1);
+                label->setAutoFillBackground(true);
+            }
+            return label;
+        }
+        case ControlKind::Edit: {
+            auto* edit = new QLineEdit(this);
+            edit->setReadOnly(control.style & ES_READONLY);
+            const UINT align = control.style & 0x3;
+            edit->setAlignment(align == ES_CENTER ? Qt::AlignCenter
+                               : align == ES_RIGHT ? Qt::AlignRight | Qt::AlignVCenter
+                                                   : Qt::AlignLeft | Qt::AlignVCenter);
+            edit->setTextMargins(0, 0, 0, 0);
+            return edit;
+        }
+        case ControlKind::ComboBox:
+            return new QComboBox(this);
+        case ControlKind::ListBox: {
+            auto* list = new QListWidget(this);
+            list->setVerticalScrollBarPolicy((control.style & WS_VSCROLL) ? Qt::ScrollBarAlwaysOn
+                                                                          : Qt::ScrollBarAsNeeded);
+            list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+            return list;
+        }
+        case ControlKind::AutoCheckBox:
+            return new QCheckBox(caption, this);
+        case ControlKind::AutoRadioButton: {
+            auto* radio = new QRadioButton(caption, this);
+            radio->setAutoExclusive(false);  // groups follow the template's group marks, not the parent
+            return radio;
+        }
+    }
+    return new QWidget(this);
+}
+
+void DialogWindow::Connect(const ControlTemplate& control, QWidget* widget) {
+    const int id = control.id;
+    if (id <= 0) return;
+    auto clicked = [this, id] { Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(id)}); };
+    if (control.kind == ControlKind::AutoRadioButton) {
+        connect(static_cast<QRadioButton*>(widget), &QAbstractButton::clicked, this, [this, id, clicked] {
+            CheckRadioInGroup(id);
+            clicked();
+        });
+    } else if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        connect(button, &QAbstractButton::clicked, this, clicked);
+    } else if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+        connect(combo, QOverload<int>::of(&QComboBox::activated), this,
+                [this, id] { Deliver(AfxMessage{WM_COMMAND, CBN_SELCHANGE, static_cast<UINT>(id)}); });
+    }
+}
+
+QWidget* DialogWindow::Control(int id) const {
+    auto found = m_controls.find(id);
+    return found == m_controls.end() ? nullptr : found->second;
+}
+
+CWnd* DialogWindow::Proxy(int id) const {
+    if (id == 0) return m_owner;
+    auto bound = m_bound.find(id);
+    if (bound != m_bound.end()) return bound->second;
+    auto found = m_proxies.find(id);
+    return found == m_proxies.end() ? nullptr : found->second.get();
+}
+
+void DialogWindow::Bind(int id, CWnd* wrapper) {
+    auto bound = m_bound.find(id);
+    if (bound != m_bound.end() && bound->second == wrapper) return;  // exchanges repeat: bind once
+    if (Control(id) == nullptr) return;
+    wrapper->AttachToWindow(this, id);
+    m_bound[id] = wrapper;
+}
+
+std::vector<int> DialogWindow::RadioGroupOf(int id) const {
+    int index = -1;
+    for (int i = 0; i < m_template.controlCount; ++i)
+        if (m_template.controls[i].id == id) index = i;
+    if (index < 0) return {};
+    int first = index;
+    while (first > 0 && !(m_template.controls[first].style & WS_GROUP)) --first;
+    std::vector<int> group;
+    for (int i = first; i < m_template.controlCount; ++i) {
+        const ControlTemplate& control = m_template.controls[i];
+        if (i > first && (control.style & WS_GROUP)) break;
+        if (control.kind == ControlKind::AutoRadioButton) group.push_back(control.id);
+    }
+    return group;
+}
+
+void DialogWindow::CheckRadioInGroup(int id) {
+    for (int member : RadioGroupOf(id))
+        if (auto* radio = qobject_cast<QAbstractButton*>(Control(member))) radio->setChecked(member == id);
+}
+
+bool DialogWindow::ClickControl(int id) {
+    QWidget* widget = Control(id);
+    auto* button = qobject_cast<QAbstractButton*>(widget);
+    if (button == nullptr || !button->isEnabled()) return false;
+    button->click();
+    return true;
+}
+
+bool DialogWindow::TypeText(int id, const std::string& text) {
+    auto* edit = qobject_cast<QLineEdit*>(Control(id));
+    if (edit == nullptr || !edit->isEnabled() || edit->isReadOnly()) return false;
+    edit->setText(QString::fromStdString(text));
+    return true;
+}
+
+bool DialogWindow::SelectItem(int id, int index) {
+    auto* combo = qobject_cast<QComboBox*>(Control(id));
+    if (combo == nullptr || !combo->isEnabled() || index < 0 || index >= combo->count()) return false;
+    combo->setCurrentIndex(index);
+    Deliver(AfxMessage{WM_COMMAND, CBN_SELCHANGE, static_cast<UINT>(id)});
+    return true;
+}
+
+void DialogWindow::Deliver(const AfxMessage& message) { m_owner->OnWndMsg(message); }
+
+void DialogWindow::SetText(int id, const std::string& text) {
+    const QString value = QString::fromStdString(text);
+    QWidget* widget = id == 0 ? this : Control(id);
+    if (widget == this) setWindowTitle(value);
+    else if (auto* edit = qobject_cast<QLineEdit*>(widget)) edit->setText(value);
+    else if (auto* button = qobject_cast<QAbstractButton*>(widget)) button->setText(value);
+    else if (auto* label = qobject_cast<QLabel*>(widget)) label->setText(value);
+    else if (auto* box = qobject_cast<QGroupBox*>(widget)) box->setTitle(value);
+    else if (auto* combo = qobject_cast<QComboBox*>(widget)) combo->setCurrentText(value);
+}
+
+std::string DialogWindow::Text(int id) const {
+    const QWidget* widget = id == 0 ? this : Control(id);
+    QString value;
+    if (widget == this) value = windowTitle();
+    else if (auto* edit = qobject_cast<const QLineEdit*>(widget)) value = edit->text();
+    else if (auto* button = qobject_cast<const QAbstractButton*>(widget)) value = button->text();
+    else if (auto* label = qobject_cast<const QLabel*>(widget)) value = label->text();
+    else if (auto* box = qobject_cast<const QGroupBox*>(widget)) value = box->title();
+    else if (auto* combo = qobject_cast<const QComboBox*>(widget)) value = combo->currentText();
+    else if (auto* list = qobject_cast<const QListWidget*>(widget))
+        value = list->currentItem() != nullptr ? list->currentItem()->text() : QString();
+    return value.toStdString();
+}
+
+void DialogWindow::SetEnabled(int id, bool enabled) {
+    if (QWidget* widget = id == 0 ? this : Control(id)) widget->setEnabled(enabled);
+}
+
+bool DialogWindow::IsEnabled(int id) const {
+    const QWidget* widget = id == 0 ? this : Control(id);
+    return widget != nullptr && widget->isEnabled();
+}
+
+LRESULT DialogWindow::Send(int id, UINT message, WPARAM wParam, LPARAM lParam) {
+    QWidget* widget = id == 0 ? this : Control(id);
+    if (message == WM_SETICON) {
+        setWindowIcon(IconOf(static_cast<int>(lParam)));
+        return 0;
+    }
+    if (auto* button = qobject_cast<QAbstractButton*>(widget)) {
+        if (message == BM_SETCHECK) button->setChecked(wParam == BST_CHECKED);
+        if (message == BM_GETCHECK) return button->isChecked() ? BST_CHECKED : BST_UNCHECKED;
+        return 0;
+    }
+    if (auto* list = qobject_cast<QListWidget*>(widget)) {
+        const int count = list->count();
+        switch (message) {
+            case LB_INSERTSTRING: {
+                const int index = (static_cast<int>(wParam) < 0 || static_cast<int>(wParam) > count)
+                                      ? count : static_cast<int>(wParam);
+                list->insertItem(index, QString::fromLatin1(reinterpret_cast<const char*>(lParam)));
+                return index;
+            }
+            case LB_RESETCONTENT: list->clear(); return 0;
+            case LB_SETCURSEL:
+                list->setCurrentRow(static_cast<int>(wParam));
+                if (list->currentItem() != nullptr) list->scrollToItem(list->currentItem());
+                return list->currentRow();
+            case LB_GETCURSEL: return list->currentRow();
+            case LB_GETCOUNT: return count;
+            default: return 0;
+        }
+    }
+    if (auto* combo = qobject_cast<QComboBox*>(widget)) {
+        const int count = combo->count();
+        switch (message) {
+            case CB_INSERTSTRING: {
+                const int index = (static_cast<int>(wParam) < 0 || static_cast<int>(wParam) > count)
+                                      ? count : static_cast<int>(wParam);
+                combo->insertItem(index, QString::fromLatin1(reinterpret_cast<const char*>(lParam)));
+                return index;
+            }
+            case CB_RESETCONTENT: combo->clear(); return 0;
+            case CB_SETCURSEL: combo->setCurrentIndex(static_cast<int>(wParam)); return combo->currentIndex();
+            case CB_GETCURSEL: return combo->currentIndex();
+            case CB_GETCOUNT: return count;
+            default: return 0;
+        }
+    }
+    return 0;
+}
+
+std::vector<std::string> DialogWindow::Items(int id) const {
+    std::vector<std::string> items;
+    QWidget* widget = Control(id);
+    if (auto* list = qobject_cast<QListWidget*>(widget))
+        for (int i = 0; i < list->count(); ++i) items.push_back(list->item(i)->text().toStdString());
+    if (auto* combo = qobject_cast<QComboBox*>(widget))
+        for (int i = 0; i < combo->count(); ++i) items.push_back(combo->itemText(i).toStdString());
+    return items;
+}
+
+int DialogWindow::SelectedIndex(int id) const {
+    QWidget* widget = Control(id);
+    if (auto* list = qobject_cast<QListWidget*>(widget)) return list->currentRow();
+    if (auto* combo = qobject_cast<QComboBox*>(widget)) return combo->currentIndex();
+    return -1;
+}
+
+void DialogWindow::closeEvent(QCloseEvent* event) {
+    // The dialog decides: its close handler ends it through EndDialog, or keeps it open.
+    event->ignore();
+    Deliver(AfxMessage{WM_CLOSE});
+}
+
+void DialogWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDCANCEL)});
+    } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();
+        else Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDOK)});
+    } else if (event->key() == Qt::Key_Space && (event->modifiers() & Qt::AltModifier)) {
+        ShowSystemMenu();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void DialogWindow::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::RightButton) {
+        AfxMessage message{WM_RBUTTONDOWN};
+        message.point = CPoint(event->position().toPoint().x(), event->position().toPoint().y());
+        Deliver(message);
+        return;
+    }
+    QDialog::mousePressEvent(event);
+}
+
+void DialogWindow::accept() { Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDOK)}); }
+void DialogWindow::reject() { Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDCANCEL)}); }
+
+void DialogWindow::ShowSystemMenu() {
+    // The system menu: the items the dialog appended, then Close.
+    CMenu menu;
+    for (const CMenu::Item& item : m_systemMenu->Items()) menu.AppendMenu(item.flags, item.id, item.text);
+    menu.AppendMenu(MF_SEPARATOR);
+    menu.AppendMenu(MF_STRING, SC_CLOSE, "&Close");
+    const QPoint at = mapToGlobal(QPoint(0, 0));
+    const UINT command = AfxPromptHook().TrackPopupMenu(menu, at.x(), at.y());
+    if (command != 0) {
+        AfxMessage message{WM_SYSCOMMAND};
+        message.id = command;
+        Deliver(message);
+    }
+}
+
+}  // namespace platform

@@ -1,0 +1,110 @@
+#include "platform/uiqueue.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QThread>
+#include <future>
+#include <list>
+#include <mutex>
+#include <unordered_map>
+
+#include "platform/thread.h"
+
+namespace platform {
+namespace {
+
+struct Operation {
+    std::function<void()> run;
+    const void* key;
+};
+
+std::mutex g_mutex;
+std::list<Operation> g_pending;
+std::unordered_map<const void*, std::list<Operation>::iterator> g_pendingByKey;
+bool g_drainPosted = false;
+
+void PostDrain() {
+    QCoreApplication* app = QCoreApplication::instance();
+    if (app != nullptr) QMetaObject::invokeMethod(app, [] { DrainGuiQueue(); }, Qt::QueuedConnection);
+}
+
+}  // namespace
+
+void PostToGui(std::function<void()> operation, const void* coalesceKey) {
+    if (QCoreApplication::instance() == nullptr) {
+        // No window system: nothing shows, run in place so that state stays consistent.
+        operation();
+        return;
+    }
+    bool postDrain = false;
+    {
+        std::lock_guard<std::mutex> lock(g_mutex);
+        if (coalesceKey != nullptr) {
+            auto found = g_pendingByKey.find(coalesceKey);
+            if (found != g_pendingByKey.end()) g_pending.erase(found->second);
+        }
+        g_pending.push_back(Operation{std::move(operation), coalesceKey});
+        if (coalesceKey != nullptr) g_pendingByKey[coalesceKey] = std::prev(g_pending.end());
+        if (!g_drainPosted) {
+            g_drainPosted = true;
+            postDrain = true;
+        }
+    }
+    if (postDrain) PostDrain();
+}
+
+void CallOnGui(const std::function<void()>& operation) {
+    if (AfxIsGuiThread() || QCoreApplication::instance() == nullptr) {
+        operation();
+        return;
+    }
+    std::promise<void> done;
+    std::future<void> finished = done.get_future();
+    PostToGui([&operation, &done] {
+        operation();
+        done.set_value();
+    });
+    finished.wait();
+}
+
+void DrainGuiQueue() {
+    std::list<Operation> batch;
+    {
+        std::lock_guard<std::mutex> lock(g_mutex);
+        batch.swap(g_pending);
+        g_pendingByKey.clear();
+        g_drainPosted = false;
+    }
+    for (Operation& op : batch) op.run();
+}
+
+bool GuiQueueEmpty() {
+    std::lock_guard<std::mutex> lock(g_mutex);
+    return g_pending.empty();
+}
+
+bool PumpUntilWorkersDone(int timeoutMs) {
+    QElapsedTimer timer;
+    timer.start();
+    for (;;) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        DrainGuiQueue();
+        if (AfxRunningWorkers() == 0 && GuiQueueEmpty()) return true;
+        if (timeoutMs >= 0 && timer.elapsed() >= timeoutMs) return false;
+        QThread::msleep(1);
+    }
+}
+
+void PumpFor(int ms) {
+    QElapsedTimer timer;
+    timer.start();
+    do {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        DrainGuiQueue();
+        if (timer.elapsed() < ms) QThread::msleep(1);
+    } while (timer.elapsed() < ms);
+}
+
+}  // namespace platform
+
+void AfxWaitForWorkers() { platform::PumpUntilWorkersDone(-1); }
