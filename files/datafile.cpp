@@ -1,0 +1,195 @@
+// Load Data: the data set file into m_pInputs and m_pTargets, and the Data Set Information dialog.
+#include "files/datafile.h"
+
+#include <climits>
+#include <new>
+#include <string>
+
+#include "files/scanner.h"
+#include "workspace/workspace.h"
+
+namespace {
+
+constexpr const char* kDataFilter = "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|All files (*.*)|*.*||";
+constexpr const char* kTooLarge = "Data set is too large to load!";
+constexpr const char* kNoPatterns = "Data file holds no patterns!";
+constexpr const char* kNoInputs = "Number of Inputs Should Be Larger Than Zero";
+
+// Allocates both pattern arrays or neither.
+bool AllocatePatternArrays(std::size_t inputCount, std::size_t targetCount, double*& inputs, double*& targets) {
+    inputs = nullptr;
+    targets = nullptr;
+    try {
+        inputs = new double[inputCount];
+        targets = new double[targetCount];
+    } catch (const std::bad_alloc&) {
+        delete[] inputs;
+        inputs = nullptr;
+        return false;
+    }
+    return true;
+}
+
+// The patterns of a two-input classification set go to the data plot; its grid waits for a run.
+void FeedPatternsToPlot(CVantrelDlg& dlg) {
+    CDataPlot& plot = dlg.m_dataPlot;
+    auto lock = plot.SeriesLock();
+    plot.m_arrPatternX.SetSize(0);
+    plot.m_arrPatternY.SetSize(0);
+    plot.m_arrPatternClass.SetSize(0);
+    plot.m_arrGridX.SetSize(0);
+    plot.m_arrGridY.SetSize(0);
+    plot.m_arrGridValue.SetSize(0);
+    for (UINT p = 0; p < dlg.m_nPatterns; ++p) {
+        plot.m_arrPatternX.Add(dlg.m_pInputs[static_cast<std::size_t>(p) * dlg.m_nInputs]);
+        plot.m_arrPatternY.Add(dlg.m_pInputs[static_cast<std::size_t>(p) * dlg.m_nInputs + 1]);
+        plot.m_arrPatternClass.Add(dlg.m_pTargets[p]);
+    }
+}
+
+}  // namespace
+
+CDataSetShape MeasureDataSet(std::string_view text) {
+    CDataSetShape shape;
+    shape.patterns = CountRows(text);
+    CRowScanner rows(text);
+    std::string_view first;
+    if (rows.NextRow(first)) shape.columns = CountTokens(first);
+    return shape;
+}
+
+std::size_t ReadPatternRows(std::string_view text, UINT nInputs, double* inputs, std::size_t inputRoom,
+                            double* targets, std::size_t targetRoom) {
+    std::size_t i = 0;
+    std::size_t t = 0;
+    CRowScanner rows(text);
+    std::string_view row;
+    while (rows.NextRow(row)) {
+        CTokenScanner tokens(row);
+        std::string_view token;
+        std::size_t column = 0;
+        while (tokens.NextToken(token)) {
+            ++column;
+            if (column <= nInputs) {
+                if (i < inputRoom) inputs[i] = TokenValue(token);
+                ++i;
+            } else {
+                if (t < targetRoom) targets[t] = TokenValue(token);
+                ++t;
+            }
+        }
+    }
+    return i + t;
+}
+
+void CVantrelDlg::OnLoadData() {
+    m_bNetworkReady = false;
+    m_nInputs = 0;
+    m_nOutputs = 0;
+    m_nPatterns = 0;
+    UpdateData(TRUE);
+
+    CFileDialog fileDlg(TRUE, "txt", nullptr, 6, kDataFilter);
+    if (fileDlg.DoModal() != IDOK) {
+        m_bDataLoaded = false;
+        return;
+    }
+    m_strDataPath = fileDlg.GetPathName();
+    m_strDataTitle = fileDlg.GetFileTitle();
+
+    std::string text;
+    const ReadTextResult read = ReadScanText(m_strDataPath, text);
+    if (read != ReadTextResult::Ok) {
+        MessageBox(read == ReadTextResult::CannotOpen ? "Sorry, Cannot Open File!" : kTooLarge, "Error",
+                   MB_ICONHAND);
+        m_bDataLoaded = false;
+        return;
+    }
+
+    delete[] m_pInputs;
+    m_pInputs = nullptr;
+    delete[] m_pTargets;
+    m_pTargets = nullptr;
+
+    const CDataSetShape shape = MeasureDataSet(text);
+    if (shape.patterns > UINT_MAX || shape.columns > UINT_MAX) {
+        MessageBox(kTooLarge, "Error", MB_ICONHAND);
+        m_bDataLoaded = false;
+        return;
+    }
+    m_nPatterns = static_cast<UINT>(shape.patterns);
+    m_nOutputs = 1;
+    m_nInputs = shape.columns > 0 ? static_cast<UINT>(shape.columns - 1) : 0;
+
+    m_dlgDataSetInfo.m_nInputs = m_nInputs;
+    m_dlgDataSetInfo.m_nOutputs = m_nOutputs;
+    m_dlgDataSetInfo.m_nPatterns = m_nPatterns;
+    m_dlgDataSetInfo.DoModal();  // however it ends, the load goes on
+    m_bClassification = m_nInputs == 2 && m_dlgDataSetInfo.m_nDataSetType == 0;
+
+    const std::size_t inputRoom = static_cast<std::size_t>(m_nPatterns) * m_nInputs;
+    const std::size_t targetRoom = static_cast<std::size_t>(m_nPatterns) * m_nOutputs;
+    if (!AllocatePatternArrays(inputRoom, targetRoom, m_pInputs, m_pTargets)) {
+        // Nothing was loaded: the counts go back to those of no data, so that no loop walks the missing arrays.
+        m_nPatterns = 0;
+        m_nInputs = 0;
+        m_nOutputs = 0;
+        MessageBox(kTooLarge, "Error", MB_ICONHAND);
+        m_bDataLoaded = false;
+        return;
+    }
+
+    const std::size_t values = ReadPatternRows(text, m_nInputs, m_pInputs, inputRoom, m_pTargets, targetRoom);
+    if (values != inputRoom + targetRoom) {
+        MessageBox("Data file is incompleted!", "Error", MB_ICONHAND);
+        m_bDataLoaded = false;
+        return;
+    }
+
+    // A set without patterns or without inputs (reached only by closing the information dialog without OK)
+    // can't be trained or verified: counts divide the error and size the network. It is refused here, and
+    // stays in the workspace as an incomplete file would.
+    if (m_nPatterns == 0 || m_nInputs == 0) {
+        MessageBox(m_nPatterns == 0 ? kNoPatterns : kNoInputs, "Error", MB_ICONHAND);
+        m_bDataLoaded = false;
+        return;
+    }
+
+    if (m_bClassification) FeedPatternsToPlot(*this);
+    m_dataPlot.RefreshDataPlot(m_bClassification);
+
+    m_bDataLoaded = true;
+    UpdateData(FALSE);
+}
+
+// ---- Data Set Information dialog ----------------------------------------------------------------------------
+
+BEGIN_MESSAGE_MAP(CDataSetInfoDlg, CDialog)
+ON_BN_CLICKED(1043, OnClassification)
+ON_BN_CLICKED(1044, OnApproximation)
+END_MESSAGE_MAP()
+
+void CDataSetInfoDlg::DoDataExchange(CDataExchange* dx) {
+    CDialog::DoDataExchange(dx);
+    DDX_Text(dx, 1041, m_nInputs);
+    DDX_Text(dx, 1042, m_nOutputs);
+    DDX_Radio(dx, 1043, m_nDataSetType);
+    DDX_Text(dx, 1094, m_nPatterns);
+}
+
+void CDataSetInfoDlg::OnOK() {
+    UpdateData(TRUE);
+    if (m_nInputs == 0) {
+        MessageBox(kNoInputs, "Error", MB_ICONHAND);
+        return;
+    }
+    if (m_nOutputs == 0) {
+        MessageBox("Number of Outputs Should Be Larger Than Zero", "Error", MB_ICONHAND);
+        return;
+    }
+    CDialog::OnOK();
+}
+
+void CDataSetInfoDlg::OnClassification() { m_nDataSetType = 0; }
+
+void CDataSetInfoDlg::OnApproximation() { m_nDataSetType = 1; }

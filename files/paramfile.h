@@ -1,0 +1,31 @@
+// The parameter file: a stored network, four rows read by the number-row scanner, in the order of the value
+// lines of a result block: input weights (u x n), output weights (u + 1, the bias first), centers (u x n),
+// widths (u). The number of units u is what row 1 implies for the data set's n inputs. Whatever follows
+// row 4 isn't read.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "platform/types.h"
+
+class CVantrelDlg;
+
+struct CNetworkParameters {
+    UINT units = 0;
+    std::vector<double> inputWeights;
+    std::vector<double> outputWeights;
+    std::vector<double> centers;
+    std::vector<double> widths;
+};
+
+enum class ParamFileStatus { Ok, NoInputs, UnitsMismatch };
+
+// Reads the four rows of text for a data set of nInputs inputs. The counts are the only test: UnitsMismatch
+// when a row's count disagrees with u, or when row 1 isn't a whole number of units.
+ParamFileStatus ParseParameterText(std::string_view text, UINT nInputs, CNetworkParameters& params);
+
+// The Load From File path of OnInitialization: asks for the file, reads it and replaces the network arrays.
+// True when the network was read; otherwise it has shown its message and set m_bNetworkReady as the case
+// asks.
+bool LoadParameterFile(CVantrelDlg& dlg);

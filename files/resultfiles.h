@@ -1,0 +1,37 @@
+// Result files: one text file per run with a block per trial (or per unit of the Error Correction
+// Algorithm), for people to read. Written beside the executable, CR LF line ends, numbers in fixed notation.
+// The member functions CreateResultFile, WriteRunResults and WriteErrCorResults of CVantrelDlg build on the
+// pieces declared here.
+#pragma once
+
+#include <cstddef>
+#include <ctime>
+#include <string>
+#include <vector>
+
+#include "platform/strings.h"
+#include "platform/types.h"
+
+// "%d%d%d_%d%d%d_" + suffix from a local time: year, month (1 to 12), day, hour, minute, second, none padded.
+// 17 March 2011 at 14:05:27 with the suffix "result.txt" gives 2011317_14527_result.txt.
+std::string TimestampedFileName(const struct tm& local, const char* suffix);
+
+// The directory of the running executable, ending in '/': where every written file lies.
+CString ExecutableDirectory();
+
+// One array on one line: each element as "%.6f", one blank between them, then "\r\n". An infinity or a NaN,
+// which a diverging training can leave, prints as the C library writes it ("inf", "-inf", "nan", "-nan").
+std::string ValueLine(const double* values, std::size_t count);
+
+// The four arrays of one section of a block.
+struct CResultSection {
+    const double* inputWeights;   // units x inputs
+    const double* outputWeights;  // units + 1, the bias first
+    const double* centers;        // units x inputs
+    const double* widths;         // units
+};
+
+// The writes of one block, in order: each text line, and each value line whole. Without initial the block
+// has no Initial Conditions section (the Error Correction Algorithm keeps no initial copies).
+std::vector<std::string> ResultBlock(UINT units, UINT inputs, UINT iterations, double error,
+                                     const CResultSection* initial, const CResultSection& trained);
