@@ -1,0 +1,90 @@
+// Files, the executable's directory, strings and the growable array.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "platform/files.h"
+#include "platform/strings.h"
+#include "workspace/doublearray.h"
+
+namespace {
+
+std::string ReadAll(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
+
+TEST(CFileTest, CreateEmptiesThenWritesAppendAfterSeekToEnd) {
+    const std::string path = testing::TempDir() + "cfile_append.txt";
+    { std::ofstream(path) << "old contents"; }
+    CFile create;
+    ASSERT_TRUE(create.Open(path.c_str(), CFile::modeCreate));
+    create.Close();
+    EXPECT_EQ(ReadAll(path), "") << "modeCreate empties an existing file";
+    for (const char* block : {"first\r\n", "second\r\n"}) {
+        CFile file;
+        ASSERT_TRUE(file.Open(path.c_str(), CFile::modeWrite));
+        file.Seek(0, CFile::end);
+        file.Write(block, static_cast<UINT>(std::string(block).size()));
+        file.Close();
+    }
+    EXPECT_EQ(ReadAll(path), "first\r\nsecond\r\n");
+    CFile reader;
+    ASSERT_TRUE(reader.Open(path.c_str(), CFile::modeRead));
+    EXPECT_EQ(reader.GetLength(), 15u);
+}
+
+TEST(CFileTest, WriteModeDoesNotCreateAMissingFile) {
+    CFile file;
+    EXPECT_FALSE(file.Open((testing::TempDir() + "no/such/dir/file.txt").c_str(), CFile::modeWrite));
+    EXPECT_FALSE(file.Open((testing::TempDir() + "missing_for_write.txt").c_str(), CFile::modeWrite));
+}
+
+TEST(ModuleDirectory, CanBeMovedForAScriptedSessionAndRestored) {
+    char path[260];
+    AfxSetModuleDirectory("/tmp/session-dir/");
+    GetModuleFileNameA(nullptr, path, 260);
+    const CString moved(path);
+    EXPECT_EQ(moved.Left(moved.ReverseFind('/') + 1), "/tmp/session-dir/");
+    AfxSetModuleDirectory("");
+    GetModuleFileNameA(nullptr, path, 260);
+    const CString real(path);
+    char self[1024] = {};
+    ASSERT_GT(readlink("/proc/self/exe", self, sizeof self - 1), 0);
+    EXPECT_EQ(real, self);
+}
+
+TEST(CStringTest, FormatAndCuttingAtTheLastSeparator) {
+    CString text;
+    text.Format("%d%d%d_%d%d%d_result.txt", 2012, 2, 1, 3, 4, 5);
+    EXPECT_EQ(text, "201221_345_result.txt");
+    text.Format("%.12f", 1.0 / 3.0);
+    EXPECT_EQ(text, "0.333333333333");
+    const CString path("/a/b/c.txt");
+    EXPECT_EQ(path.Left(path.ReverseFind('/') + 1), "/a/b/");
+    EXPECT_EQ(path.Mid(path.ReverseFind('/') + 1), "c.txt");
+    EXPECT_EQ(CString("abc").ReverseFind('x'), -1);
+}
+
+TEST(CDoubleArrayTest, ElementsThatComeBackIntoUseReadZero) {
+    CDoubleArray array;
+    for (int i = 0; i < 10; ++i) array.Add(i + 1.0);
+    array.SetSize(3);
+    EXPECT_EQ(array.GetSize(), 3);
+    EXPECT_EQ(array.GetAt(2), 3.0);
+    array.SetSize(6);
+    EXPECT_EQ(array.GetAt(2), 3.0) << "kept elements keep their values";
+    EXPECT_EQ(array.GetAt(3), 0.0);
+    EXPECT_EQ(array.GetAt(5), 0.0);
+    array.SetSize(0);
+    EXPECT_EQ(array.GetSize(), 0);
+    EXPECT_EQ(array.m_pData, nullptr) << "size 0 frees the block";
+}
+
+}  // namespace

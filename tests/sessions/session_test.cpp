@@ -1,0 +1,112 @@
+// Runs every tests/sessions/NAME.session through vantrel-session, in a fresh directory, and compares what it
+// printed with NAME.expected. The transcript compared is standard output, then standard error as
+// "stderr: LINE" lines, then "exit CODE". In an expected line "{}" matches any text.
+#include <gtest/gtest.h>
+
+#include <dirent.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+const std::string kSessionDir = std::string(VANTREL_SOURCE_DIR) + "/tests/sessions";
+
+std::vector<std::string> SessionNames() {
+    std::vector<std::string> names;
+    if (DIR* dir = opendir(kSessionDir.c_str())) {
+        while (dirent* entry = readdir(dir)) {
+            const std::string name = entry->d_name;
+            const std::string suffix = ".session";
+            if (name.size() > suffix.size() && name.compare(name.size() - suffix.size(), suffix.size(), suffix) == 0)
+                names.push_back(name.substr(0, name.size() - suffix.size()));
+        }
+        closedir(dir);
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::vector<std::string> ReadLines(const std::string& path) {
+    std::ifstream in(path);
+    std::vector<std::string> lines;
+    std::string line;
+    while (std::getline(in, line)) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+// True when text matches pattern, where "{}" in pattern stands for any text.
+bool Matches(const std::string& pattern, const std::string& text) {
+    std::vector<std::string> parts;
+    size_t start = 0;
+    for (size_t at; (at = pattern.find("{}", start)) != std::string::npos; start = at + 2)
+        parts.push_back(pattern.substr(start, at - start));
+    parts.push_back(pattern.substr(start));
+    if (parts.size() == 1) return pattern == text;
+    if (text.compare(0, parts.front().size(), parts.front()) != 0) return false;
+    size_t pos = parts.front().size();
+    for (size_t i = 1; i + 1 < parts.size(); ++i) {
+        const size_t found = text.find(parts[i], pos);
+        if (found == std::string::npos) return false;
+        pos = found + parts[i].size();
+    }
+    const std::string& last = parts.back();
+    return text.size() >= pos + last.size() && text.compare(text.size() - last.size(), last.size(), last) == 0;
+}
+
+std::vector<std::string> RunTranscript(const std::string& name) {
+    char dirTemplate[] = "/tmp/vantrel-session-XXXXXX";
+    const std::string workDir = mkdtemp(dirTemplate);
+    const std::string out = workDir + "/stdout.txt";
+    const std::string err = workDir + "/stderr.txt";
+    const std::string command = std::string("QT_QPA_PLATFORM=offscreen '") + VANTREL_SESSION_EXE + "' --dir '" +
+                                workDir + "' '" + kSessionDir + "/" + name + ".session' >'" + out + "' 2>'" + err + "'";
+    const int status = std::system(command.c_str());
+    std::vector<std::string> transcript = ReadLines(out);
+    for (const std::string& line : ReadLines(err)) transcript.push_back("stderr: " + line);
+    transcript.push_back("exit " + std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1));
+    std::system(("rm -rf '" + workDir + "'").c_str());
+    return transcript;
+}
+
+class SessionTranscript : public ::testing::TestWithParam<std::string> {};
+
+TEST_P(SessionTranscript, MatchesExpected) {
+    const std::string name = GetParam();
+    const std::vector<std::string> expected = ReadLines(kSessionDir + "/" + name + ".expected");
+    const std::vector<std::string> actual = RunTranscript(name);
+    std::ostringstream whole;
+    for (const std::string& line : actual) whole << "    " << line << "\n";
+    for (size_t i = 0; i < std::max(expected.size(), actual.size()); ++i) {
+        const std::string want = i < expected.size() ? expected[i] : "<end of transcript>";
+        const std::string got = i < actual.size() ? actual[i] : "<end of transcript>";
+        ASSERT_TRUE(Matches(want, got)) << name << ".session, transcript line " << i + 1 << ":\n  expected: "
+                                        << want << "\n  actual:   " << got << "\nwhole transcript:\n" << whole.str();
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Sessions, SessionTranscript, ::testing::ValuesIn(SessionNames()),
+                         [](const ::testing::TestParamInfo<std::string>& info) {
+                             std::string id = info.param;
+                             std::replace_if(id.begin(), id.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+                             return id;
+                         });
+
+TEST(SessionMatcher, WildcardMatchesAnyTextBetweenFixedParts) {
+    EXPECT_TRUE(Matches("text 1027: {}", "text 1027: 0.015"));
+    EXPECT_TRUE(Matches("a{}b{}c", "aXXbYYc"));
+    EXPECT_FALSE(Matches("a{}b", "aXXc"));
+    EXPECT_FALSE(Matches("exit 0", "exit 2"));
+}
+
+}  // namespace
