@@ -1,0 +1,160 @@
+// The Error Correction Algorithm: the network grows by one unit at the pattern of largest error, and after
+// each addition every parameter of every unit is trained by the damped second-order loop.
+#include <algorithm>
+
+#include "platform/clock.h"
+#include "training/runframe.h"
+#include "training/training.h"
+
+namespace {
+
+// A block of newCount doubles holding the first oldCount of old, the rest filled with fill.
+std::unique_ptr<double[]> GrownCopy(const double* old, size_t oldCount, size_t newCount, double fill) {
+    std::unique_ptr<double[]> block(new double[newCount]);
+    if (oldCount > 0) std::copy(old, old + oldCount, block.get());
+    std::fill(block.get() + oldCount, block.get() + newCount, fill);
+    return block;
+}
+
+}  // namespace
+
+void CVantrelDlg::ResetNetwork() {
+    delete[] m_pInputWeights;
+    delete[] m_pOutputWeights;
+    delete[] m_pWidths;
+    delete[] m_pCenters;
+    delete[] m_pOutputs;
+    m_nUnits = 0;
+    m_pInputWeights = new double[0];
+    m_pWidths = new double[0];
+    m_pCenters = new double[0];
+    m_pOutputWeights = new double[1];
+    m_pOutputs = new double[m_nPatterns];
+    m_pOutputWeights[0] = 1.0;
+    std::fill(m_pOutputs, m_pOutputs + m_nPatterns, 0.0);
+}
+
+void CVantrelDlg::AddUnitAtWorstPattern() {
+    const size_t oldUnits = m_nUnits, units = oldUnits + 1, n = m_nInputs;
+    const UINT worst = FindWorstPattern();
+    // All four blocks exist before the workspace changes, so a failed allocation leaves it as it was.
+    auto inputWeights = GrownCopy(m_pInputWeights, oldUnits * n, units * n, 1.0);
+    auto outputWeights = GrownCopy(m_pOutputWeights, oldUnits + 1, units + 1, 1.0);
+    auto widths = GrownCopy(m_pWidths, oldUnits, units, 1.0);
+    auto centers = GrownCopy(m_pCenters, oldUnits * n, units * n, 0.0);
+    std::copy(m_pInputs + worst * n, m_pInputs + (worst + 1) * n, centers.get() + oldUnits * n);
+
+    m_nUnits = static_cast<UINT>(units);
+    CString text;
+    text.Format("%d", static_cast<int>(m_nUnits));
+    training::SetItemText(*this, training::kUnitsEdit, text);
+
+    delete[] m_pInputWeights;
+    delete[] m_pOutputWeights;
+    delete[] m_pWidths;
+    delete[] m_pCenters;
+    m_pInputWeights = inputWeights.release();
+    m_pOutputWeights = outputWeights.release();
+    m_pWidths = widths.release();
+    m_pCenters = centers.release();
+}
+
+namespace training {
+namespace {
+
+double UnpackAndComputeOutputs(CVantrelDlg& dlg) {
+    dlg.UnpackParameters();
+    return dlg.ComputeOutputs();
+}
+
+const DampedStepOps kErrorCorrectionOps{[](CVantrelDlg& dlg) { dlg.AccumulateSecondOrder(); },
+                                        [](CVantrelDlg& dlg) { dlg.InvertHessian(); }, UnpackAndComputeOutputs};
+
+// Adds a unit and trains the grown network for all m_nIterations iterations; there is no test against the
+// desired error within a unit. false: the user pressed Stop.
+bool TrainNewUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
+    CVantrelDlg& dlg = run.dlg;
+    run.iterationErrors.SetSize(0);
+    dlg.AddUnitAtWorstPattern();
+    double damping = kInitialDamping;
+    dlg.PackParameters();
+    savedHessian = AllocateSavedHessian(dlg.m_nParams);  // m_nParams changes only with a new unit
+    run.iterationErrors.Add(dlg.ComputeOutputs());
+    const DWORD startTick = GetTickCount();
+
+    for (UINT iteration = 1; iteration <= dlg.m_nIterations; ++iteration) {
+        if (!dlg.m_bTraining) return false;
+        run.iteration = iteration;
+        const int i = run.iterationErrors.Add(0.0);
+        const DampedStepResult step =
+            DampedIteration(dlg, kErrorCorrectionOps, savedHessian.get(), run.iterationErrors.GetAt(i - 1), damping);
+        damping = step.damping;
+        run.iterationErrors.SetAt(i, step.error);
+        WriteIterationReadouts(dlg, iteration, step.error);
+    }
+
+    const double seconds = SecondsSince(startTick);
+    WriteNumber(dlg, kPartialTimeEdit, "%.3f", seconds);
+    run.totalTime += seconds;
+    WriteNumber(dlg, kAverageTimeEdit, "%.3f", run.totalTime);
+    return true;
+}
+
+// Curves, final error, grid and result block of a finished unit; returns the unit's final error.
+double FinishUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
+    CVantrelDlg& dlg = run.dlg;
+    // Multiple Curves can't be chosen with this algorithm; any other mode draws nothing.
+    if (dlg.m_nCurveMode == 0) FeedIterationPlot(dlg, run.iterationErrors, true, 2);
+    const double error = dlg.ComputeOutputs();
+    WriteNumber(dlg, kAverageErrorEdit, "%.12f", error);
+    if (dlg.m_bClassification) FeedDataPlot(dlg);
+
+    savedHessian.reset();
+    run.finalErrors.Add(error);
+    FeedSummaryPlot(dlg, run.finalErrors, static_cast<int>(dlg.m_nUnits / 10 + 1), 2);
+    if (dlg.m_bSaveResults != 0) dlg.WriteErrCorResults(&run.resultPath, dlg.m_nUnits, dlg.m_nIterations, error);
+    return error;
+}
+
+// The normal end of this algorithm also opens Online Training, and ends an online run.
+UINT EndErrorCorrection(RunState& run) {
+    CVantrelDlg& dlg = run.dlg;
+    EndNormally(run);
+    EnableItems(dlg, {kOnlineTraining});
+    if (dlg.m_bOnline != 0) {
+        dlg.m_bOnline = 0;
+        dlg.m_bNetworkReady = false;
+        if (CWnd* box = dlg.GetDlgItem(kOnlineTraining)) box->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+    }
+    return 0;
+}
+
+}  // namespace
+}  // namespace training
+
+UINT TrainByErrorCorrection(void* pParam) {
+    using namespace training;
+    CVantrelDlg& dlg = *static_cast<CVantrelDlg*>(pParam);
+    RunState run(dlg);
+    if (!BeginRun(run)) return 1;
+    std::unique_ptr<double[]> savedHessian;
+    try {
+        // Online, the units already trained stay; their outputs decide where the first new unit goes.
+        if (dlg.m_bOnline == 0) dlg.ResetNetwork();
+        else dlg.ComputeOutputs();
+        for (UINT k = 0; k < dlg.m_nMaxUnits; ++k) {
+            if (!TrainNewUnit(run, savedHessian)) {
+                savedHessian.reset();
+                return EndStopped(run);
+            }
+            const double error = FinishUnit(run, savedHessian);
+            if (!(error >= dlg.m_dDesiredError)) break;  // below the goal, or NaN
+        }
+    } catch (const std::exception& failure) {
+        // A NaN network meets the singular-matrix exception at its next inversion; end like a stop, with a
+        // message, and keep the network and online state as they are.
+        savedHessian.reset();
+        return EndAfterFailure(run, FailureMessage(failure, run));
+    }
+    return EndErrorCorrection(run);
+}

@@ -1,0 +1,100 @@
+#include "training/runframe.h"
+
+#include <new>
+
+#include "platform/clock.h"
+
+namespace training {
+
+void SetItemText(CVantrelDlg& dlg, int id, const CString& text) {
+    if (CWnd* item = dlg.GetDlgItem(id)) item->SetWindowText(text);
+}
+
+void EnableItems(CVantrelDlg& dlg, std::initializer_list<int> ids, BOOL enable) {
+    for (int id : ids)
+        if (CWnd* item = dlg.GetDlgItem(id)) item->EnableWindow(enable);
+}
+
+void WriteIterationReadouts(CVantrelDlg& dlg, UINT iteration, double error) {
+    CString text;
+    text.Format("%d", static_cast<int>(iteration));
+    SetItemText(dlg, kIterationEdit, text);
+    WriteNumber(dlg, kPartialErrorEdit, "%.12f", error);
+}
+
+void WriteNumber(CVantrelDlg& dlg, int id, const char* format, double value) {
+    CString text;
+    text.Format(format, value);
+    SetItemText(dlg, id, text);
+}
+
+double SecondsSince(DWORD startTick) {
+    const DWORD elapsed = GetTickCount() - startTick;  // unsigned: right across the tick's wrap
+    return elapsed * 0.001;
+}
+
+bool BeginRun(RunState& run) {
+    CVantrelDlg& dlg = run.dlg;
+    // The loader refuses such sets; should one come through anyway, the worst-pattern search and the center
+    // copy of a new unit would read rows that don't exist, so no run starts on it.
+    if (dlg.m_nPatterns == 0 || dlg.m_nInputs == 0) {
+        EndAfterFailure(run, "The data set has no patterns or no inputs: load another data set before training.");
+        return false;
+    }
+    if (dlg.m_bSaveResults != 0 && !dlg.CreateResultFile(&run.resultPath)) {
+        EndAfterFailure(run, "Create Result File Failed!");
+        return false;
+    }
+    return true;
+}
+
+std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams) {
+    const size_t n = nParams;
+    return std::unique_ptr<double[]>(new double[n * n]);
+}
+
+UINT EndNormally(RunState& run) {
+    CVantrelDlg& dlg = run.dlg;
+    dlg.m_bTraining = false;
+    SetItemText(dlg, kStartButton, "Start Training");
+    run.iterationErrors.RemoveAll();
+    run.finalErrors.RemoveAll();
+    EnableItems(dlg, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults, kVerification});
+    return 0;
+}
+
+UINT EndStopped(RunState& run) {
+    CVantrelDlg& dlg = run.dlg;
+    SetItemText(dlg, kStartButton, "Start Training");
+    EnableItems(dlg, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults});
+    run.iterationErrors.RemoveAll();
+    run.finalErrors.RemoveAll();
+    return 1;
+}
+
+UINT EndAfterFailure(RunState& run, const CString& message) {
+    CVantrelDlg& dlg = run.dlg;
+    dlg.MessageBox(message, "Error", MB_ICONHAND);
+    SetItemText(dlg, kStartButton, "Start Training");
+    run.iterationErrors.RemoveAll();
+    run.finalErrors.RemoveAll();
+    dlg.m_bTraining = false;
+    EnableItems(dlg, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults});
+    return 1;
+}
+
+CString FailureMessage(const std::exception& failure, const RunState& run) {
+    CString message;
+    if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr)
+        message.Format("Not enough memory for the quasi-Hessian of %u parameters: training stopped.",
+                       run.dlg.m_nParams);
+    else
+        // In practice the singular matrix of the inversion: a quasi-Hessian with a positive damping value
+        // has no zero row, so a row without magnitude means that the network has turned to NaN.
+        message.Format("Training stopped at iteration %u: %s.\n"
+                       "The network can't be trained further from its present values; initialize it again.",
+                       run.iteration, failure.what());
+    return message;
+}
+
+}  // namespace training

@@ -1,0 +1,88 @@
+// The frame that every training run shares: the run's own values, the read-outs, feeding the plots, the
+// loop of trials of the methods with a fixed number of units, and the ways a run ends.
+#pragma once
+
+#include <exception>
+#include <initializer_list>
+#include <memory>
+
+#include "workspace/workspace.h"
+
+namespace training {
+
+// Controls that a run writes or enables.
+constexpr int kLoadData = 1009;
+constexpr int kStartButton = 1010;
+constexpr int kAlgorithmCombo = 1014;
+constexpr int kUnitsEdit = 1023;
+constexpr int kIterationEdit = 1024;
+constexpr int kPartialErrorEdit = 1025;
+constexpr int kAverageErrorEdit = 1026;
+constexpr int kPartialTimeEdit = 1027;
+constexpr int kAverageTimeEdit = 1028;
+constexpr int kVerification = 1038;
+constexpr int kOnlineTraining = 1048;
+constexpr int kSaveResults = 1055;
+constexpr int kInitialization = 1064;
+
+// What a run holds of its own from its start to its end.
+struct RunState {
+    explicit RunState(CVantrelDlg& workspace) : dlg(workspace) {}
+    CVantrelDlg& dlg;
+    CDoubleArray iterationErrors;  // this trial's or unit's: element 0 before the first iteration
+    CDoubleArray finalErrors;      // one per finished trial or unit
+    CString resultPath;
+    double totalTime = 0.0;        // sum of the trials' or units' times
+    double errorSum = 0.0;         // sum of the trials' final errors
+    UINT iteration = 0;            // the iteration under way, for a failure message
+};
+
+// Control operations that pass over a missing control, so that the numerics run on a workspace without a
+// window as well.
+void SetItemText(CVantrelDlg& dlg, int id, const CString& text);
+void EnableItems(CVantrelDlg& dlg, std::initializer_list<int> ids, BOOL enable = TRUE);
+
+// Read-outs.
+void WriteIterationReadouts(CVantrelDlg& dlg, UINT iteration, double error);  // 1024 and 1025
+void WriteNumber(CVantrelDlg& dlg, int id, const char* format, double value);
+double SecondsSince(DWORD startTick);
+
+// Refuses a data set without patterns or inputs and creates the result file when one is asked for. On
+// false the run has already ended (EndAfterFailure) and must return 1.
+bool BeginRun(RunState& run);
+
+// The saved quasi-Hessian of the damped methods; throws std::bad_alloc when it does not fit.
+std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams);
+
+// Feeding the plots. Each rebuilds its plot's series under the plot's lock and refreshes after releasing it.
+// FeedIterationPlot empties the curve first when restart is set (One Curve, and the Error Correction
+// Algorithm), else appends a further curve.
+void FeedIterationPlot(CVantrelDlg& dlg, const CDoubleArray& errors, bool restart, int refreshMode);
+void FeedSummaryPlot(CVantrelDlg& dlg, const CDoubleArray& errors, int multiplier, int mode);
+void FeedDataPlot(CVantrelDlg& dlg);
+
+// Endings; each returns the run function's result.
+UINT EndNormally(RunState& run);  // 0; enables 1009, 1014, 1064, 1055, 1038
+UINT EndStopped(RunState& run);   // 1; Verification stays disabled
+// Shows message under "Error" and ends without touching the network any further: clears m_bTraining and
+// enables 1009, 1014, 1064, 1055. 1.
+UINT EndAfterFailure(RunState& run, const CString& message);
+// The message for an exception that ended a run in mid-iteration.
+CString FailureMessage(const std::exception& failure, const RunState& run);
+
+// A method of a fixed number of units, as the loop of trials drives it.
+class CTrialMethod {
+public:
+    virtual ~CTrialMethod() = default;
+    // Called after PackParameters, before the initial error.
+    virtual void BeginTrial(CVantrelDlg& dlg) = 0;
+    // One iteration; returns the error after it.
+    virtual double Iterate(CVantrelDlg& dlg, double previousError) = 0;
+    // Releases what the trial holds (a stop or failure ends a trial here as well).
+    virtual void EndTrial() {}
+};
+
+// The whole run of a method of fixed size: result file, trials, read-outs, plots, result blocks, ending.
+UINT RunTrials(CVantrelDlg& dlg, CTrialMethod& method);
+
+}  // namespace training

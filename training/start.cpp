@@ -1,0 +1,43 @@
+// Button 1010: starts a run, or asks the running one to stop.
+#include "platform/thread.h"
+#include "training/runframe.h"
+
+namespace {
+
+// The run function of each algorithm, in the order of the algorithm combo box.
+AFX_THREADPROC RunFunctionOf(int algorithm) {
+    static const AFX_THREADPROC functions[] = {TrainSecondOrder, TrainImprovedSecondOrder, TrainByErrorCorrection,
+                                               TrainFirstOrder, TrainImprovedFirstOrder};
+    if (algorithm < 0 || algorithm >= static_cast<int>(sizeof functions / sizeof functions[0])) return nullptr;
+    return functions[algorithm];
+}
+
+}  // namespace
+
+void CVantrelDlg::OnStartTraining() {
+    using namespace training;
+    UpdateData(TRUE);
+    if (!m_bDataLoaded) {
+        MessageBox("Please Load Data", "Error", MB_ICONHAND);
+        return;
+    }
+    if (!m_bNetworkReady) {
+        MessageBox("Please Initial Parameters", "Error", MB_ICONHAND);
+        return;
+    }
+    CString caption;
+    if (CWnd* button = GetDlgItem(kStartButton)) button->GetWindowText(caption);
+
+    // The caption turns back to "Start Training" only as a run ends, so a press while a stopped run is still
+    // finishing its iteration starts nothing.
+    if (!m_bTraining && caption == "Start Training") {
+        const AFX_THREADPROC run = RunFunctionOf(m_nAlgorithm);
+        if (run == nullptr) return;  // the combo box offers no other index
+        m_bTraining = true;
+        SetItemText(*this, kStartButton, "Stop Training");
+        EnableItems(*this, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults, kVerification}, FALSE);
+        AfxBeginThread(run, this, 0, 0, 0, nullptr);
+    } else {
+        m_bTraining = false;  // Stop: the run sees it at the head of its next iteration
+    }
+}
