@@ -80,6 +80,7 @@ public:
     ~CBitmap() override;
     BOOL CreateCompatibleBitmap(CDC* dc, int width, int height);
     BOOL DeleteObject();
+    // Width and height in pixels; 0 before creation.
     int Width() const;
     int Height() const;
     // The pixel at (x, y) as RGB, for tests; 0 outside.
@@ -90,6 +91,7 @@ public:
 private:
     struct Impl;
     std::unique_ptr<Impl> m_impl;
+    friend class CDC;
 };
 
 class CDC {
@@ -123,18 +125,17 @@ public:
     BOOL DrawIcon(int x, int y, HICON icon);
     BOOL BitBlt(int x, int y, int width, int height, CDC* source, int xSource, int ySource, DWORD rop);
 
-    // Layer internals: the painter (a QPainter) this DC draws with, or null.
+    // The handle-like value a message such as WM_ICONERASEBKGND carries for this DC.
+    WPARAM GetSafeHdc() const { return reinterpret_cast<WPARAM>(this); }
+    // Layer internals: the painter (a QPainter) this DC draws with now, or null when it has no surface.
     void* Painter() const;
 
 protected:
-    // Begins painting on a device (a QPaintDevice): used by CPaintDC and by SelectObject(CBitmap*).
-    void BeginOn(void* paintDevice);
-    void EndPainting();
-
     std::unique_ptr<platform::DcState> m_state;
 };
 
-// The DC of a control's paint: draws on the control's window.
+// The DC of a control's paint: draws on the control's window. Outside the paint of that window, or for a
+// window that has none, it draws nothing.
 class CPaintDC : public CDC {
 public:
     explicit CPaintDC(CWnd* window);

@@ -1,0 +1,211 @@
+// Device contexts, the objects selected into them, and bitmaps. Shapes, text and copies are in
+// drawshapes.cpp and drawtext.cpp.
+#include "platform/drawing.h"
+
+#include <QWidget>
+#include <algorithm>
+
+#include "platform/dcstate.h"
+#include "platform/qtaccess.h"
+
+namespace platform {
+
+DcState::DcState() {
+    stockPen.CreatePen(PS_SOLID, 1, RGB(0, 0, 0));
+    stockBrush.CreateSolidBrush(RGB(255, 255, 255));
+    stockFont.CreatePointFont(100, "MS Sans Serif");
+    Reset();
+}
+
+// The painter goes before the image it paints on.
+DcState::~DcState() { painter.reset(); }
+
+void DcState::Reset() {
+    painter.reset();
+    image.reset();
+    widget = nullptr;
+    kind = Kind::None;
+    pen = stockPen;
+    penObject = &stockPen;
+    brush = stockBrush;
+    brushObject = &stockBrush;
+    font = stockFont;
+    fontObject = &stockFont;
+    bitmapObject = &stockBitmap;
+    position = CPoint(0, 0);
+    bkMode = OPAQUE;
+    textColor = RGB(0, 0, 0);
+    bkColor = RGB(255, 255, 255);
+}
+
+raster::Bounds DcState::Surface() const {
+    if (kind == Kind::Memory && image) return {0, 0, image->width(), image->height()};
+    if (kind == Kind::Paint && painter && widget) return {0, 0, widget->width(), widget->height()};
+    return {};
+}
+
+QPainter* DcState::ActivePainter() {
+    if (kind == Kind::Memory && image && !image->isNull() && !painter) {
+        painter = std::make_unique<QPainter>(image.get());
+        painter->setRenderHint(QPainter::Antialiasing, false);
+        painter->setRenderHint(QPainter::TextAntialiasing, false);
+    }
+    return painter.get();
+}
+
+void DcState::ReleaseImagePainter() {
+    if (kind == Kind::Memory) painter.reset();
+}
+
+void DcState::FillSpan(int y, int left, int right, COLORREF color) {
+    const raster::Bounds surface = Surface();
+    if (y < surface.top || y >= surface.bottom) return;
+    left = std::max(left, surface.left);
+    right = std::min(right, surface.right);
+    if (left >= right) return;
+    if (kind == Kind::Memory) {
+        ReleaseImagePainter();
+        QRgb* line = reinterpret_cast<QRgb*>(image->scanLine(y));
+        std::fill(line + left, line + right, ToQRgb(color));
+    } else if (painter) {
+        painter->fillRect(QRect(left, y, right - left, 1), QColor(ToQRgb(color)));
+    }
+}
+
+void DcState::FillSpans(const std::vector<raster::Span>& spans, COLORREF color) {
+    for (const raster::Span& span : spans) FillSpan(span.y, span.left, span.right, color);
+}
+
+}  // namespace platform
+
+using platform::DcState;
+
+// ---- pens, brushes, fonts ---------------------------------------------------------------------------------
+
+BOOL CPen::CreatePen(int style, int width, COLORREF color) {
+    if (style != PS_SOLID && style != PS_DASH && style != PS_DOT && style != PS_NULL) return FALSE;
+    m_style = style;
+    m_width = width < 1 ? 1 : width;  // width 0 is the one-pixel pen
+    m_color = color & 0x00FFFFFF;
+    m_created = true;
+    return TRUE;
+}
+
+BOOL CBrush::CreateSolidBrush(COLORREF color) {
+    m_color = color & 0x00FFFFFF;
+    m_created = true;
+    return TRUE;
+}
+
+BOOL CFont::CreatePointFont(int pointSize, LPCTSTR faceName, CDC* /*dc*/) {
+    m_pointSizeTenths = pointSize;
+    m_face = faceName ? faceName : "";
+    m_created = true;
+    return TRUE;
+}
+
+// ---- bitmaps ----------------------------------------------------------------------------------------------
+
+CBitmap::CBitmap() : m_impl(std::make_unique<Impl>()) {}
+CBitmap::~CBitmap() = default;
+
+BOOL CBitmap::CreateCompatibleBitmap(CDC* /*dc*/, int width, int height) {
+    if (width < 0 || height < 0) return FALSE;
+    // A bitmap of no area is valid and shows nothing, as for a control that has no size yet.
+    m_impl->image = std::make_shared<QImage>(width, height, QImage::Format_RGB32);
+    m_impl->image->fill(Qt::black);
+    return TRUE;
+}
+
+BOOL CBitmap::DeleteObject() {
+    m_impl->image.reset();
+    return TRUE;
+}
+
+int CBitmap::Width() const { return m_impl->image ? m_impl->image->width() : 0; }
+int CBitmap::Height() const { return m_impl->image ? m_impl->image->height() : 0; }
+
+COLORREF CBitmap::GetPixel(int x, int y) const {
+    const QImage* image = m_impl->image.get();
+    if (!image || !image->valid(x, y)) return 0;
+    return platform::FromQRgb(image->pixel(x, y));
+}
+
+void* CBitmap::Image() const { return m_impl->image.get(); }
+
+// ---- device contexts --------------------------------------------------------------------------------------
+
+CDC::CDC() : m_state(std::make_unique<DcState>()) {}
+CDC::~CDC() = default;
+
+BOOL CDC::CreateCompatibleDC(CDC* /*dc*/) {
+    m_state->Reset();
+    m_state->kind = DcState::Kind::Memory;
+    return TRUE;
+}
+
+BOOL CDC::DeleteDC() {
+    m_state->Reset();
+    return TRUE;
+}
+
+CPen* CDC::SelectObject(CPen* pen) {
+    if (!pen || !pen->m_created) return nullptr;
+    CPen* old = m_state->penObject;
+    m_state->pen = *pen;
+    m_state->penObject = pen;
+    return old;
+}
+
+CBrush* CDC::SelectObject(CBrush* brush) {
+    if (!brush || !brush->m_created) return nullptr;
+    CBrush* old = m_state->brushObject;
+    m_state->brush = *brush;
+    m_state->brushObject = brush;
+    return old;
+}
+
+CFont* CDC::SelectObject(CFont* font) {
+    if (!font || !font->m_created) return nullptr;
+    CFont* old = m_state->fontObject;
+    m_state->font = *font;
+    m_state->fontObject = font;
+    return old;
+}
+
+CBitmap* CDC::SelectObject(CBitmap* bitmap) {
+    // Only a memory DC takes a bitmap, as in the API this stands in for.
+    if (!bitmap || m_state->kind != DcState::Kind::Memory) return nullptr;
+    CBitmap* old = m_state->bitmapObject;
+    m_state->ReleaseImagePainter();
+    m_state->image = bitmap->m_impl->image;
+    m_state->bitmapObject = bitmap;
+    return old;
+}
+
+int CDC::SetBkMode(int mode) {
+    const int old = m_state->bkMode;
+    if (mode == TRANSPARENT || mode == OPAQUE) m_state->bkMode = mode;
+    return old;
+}
+
+COLORREF CDC::SetTextColor(COLORREF color) {
+    const COLORREF old = m_state->textColor;
+    m_state->textColor = color & 0x00FFFFFF;
+    return old;
+}
+
+void* CDC::Painter() const { return m_state->ActivePainter(); }
+
+CPaintDC::CPaintDC(CWnd* window) {
+    m_state->kind = DcState::Kind::Paint;
+    QWidget* widget = window ? platform::WidgetOf(window) : nullptr;
+    // A widget can be painted only from its own paint event; anywhere else this DC draws nothing.
+    if (!widget || !widget->testAttribute(Qt::WA_WState_InPaintEvent)) return;
+    m_state->widget = widget;
+    m_state->painter = std::make_unique<QPainter>(widget);
+    m_state->painter->setRenderHint(QPainter::Antialiasing, false);
+    m_state->painter->setRenderHint(QPainter::TextAntialiasing, false);
+}
+
+CPaintDC::~CPaintDC() { m_state->Reset(); }
