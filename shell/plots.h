@@ -6,6 +6,7 @@
 // never meets half a series. Refresh operations take the lock themselves; call them after releasing it.
 #pragma once
 
+#include <functional>
 #include <mutex>
 
 #include "platform/drawing.h"
@@ -20,6 +21,10 @@ public:
     void Redraw();
 
 protected:
+    // The paint of every plot: a memory DC and a bitmap of the client's size, draw(dc, client) into it under
+    // the series lock, one BitBlt to the screen, then bitmap and DC are deleted.
+    void PaintBuffered(const std::function<void(CDC*, const RECT&)>& draw);
+
     std::mutex m_seriesMutex;
 };
 
@@ -46,7 +51,9 @@ private:
     void DrawAxes(CDC* dc, const RECT& rc);
     void DrawCurve(CDC* dc);
     void DrawCurves(CDC* dc);
-    CPoint MapPoint(double x, double y) const;
+    // The pixel of a point; false when it has none (a coordinate that is not a number).
+    bool MapPoint(double x, double y, CPoint* point) const;
+    void FitRanges();
 };
 
 class CSummaryPlot : public CPlotBase {
@@ -71,7 +78,8 @@ public:
 private:
     void DrawAxes(CDC* dc, const RECT& rc);
     void DrawPoints(CDC* dc);
-    CPoint MapPoint(double x, double y) const;
+    void DrawMarker(CDC* dc, const CPoint& point);
+    bool MapPoint(double x, double y, CPoint* point) const;
 };
 
 class CDataPlot : public CPlotBase {
@@ -109,5 +117,5 @@ private:
     void DrawBackground(CDC* dc, const RECT& rc);
     void DrawGrid(CDC* dc, const RECT& rc);
     void DrawPatterns(CDC* dc, const RECT& rc);
-    CPoint MapPoint(const RECT& rc, double x, double y) const;
+    bool MapPoint(const RECT& rc, double x, double y, CPoint* point) const;
 };

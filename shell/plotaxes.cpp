@@ -1,0 +1,124 @@
+#include "shell/plotaxes.h"
+
+#include <cmath>
+
+namespace plotaxes {
+
+namespace {
+
+// Beyond this many decades a bound is not stepped to one decade at a time.
+constexpr double kFarDecades = 1000.0;
+// Pixels beyond this distance are all alike: far outside any surface, still a safe int.
+constexpr double kFarPixels = 1.0e6;
+
+void Line(CDC* dc, long x0, long y0, long x1, long y1) {
+    dc->MoveTo(static_cast<int>(x0), static_cast<int>(y0));
+    dc->LineTo(static_cast<int>(x1), static_cast<int>(y1));
+}
+
+}  // namespace
+
+RECT PlotFrame(const RECT& c) {
+    RECT frame;
+    frame.left = c.left + 45;
+    frame.top = c.top + 20;
+    frame.right = c.right - 13;
+    frame.bottom = c.bottom - 20;
+    return frame;
+}
+
+void ClearClient(CDC* dc, const RECT& c) {
+    dc->SetBkMode(TRANSPARENT);
+    dc->FillSolidRect(&c, kWhite);
+}
+
+void DrawDecadeRows(CDC* dc, const RECT& frame, int h, int decades) {
+    for (int i = 0; i < decades; ++i) {
+        const long y0 = frame.bottom - i * h;
+        Line(dc, frame.left, y0, frame.right, y0);
+        for (int k = 1; k <= 10; ++k) {
+            const long y = static_cast<long>(y0 - std::log10(static_cast<double>(k)) * h);
+            Line(dc, frame.left, y, frame.right, y);
+        }
+    }
+}
+
+void WriteDecadeTens(CDC* dc, const RECT& c, const RECT& frame, int h, int decades) {
+    for (int i = 0; i <= decades; ++i)
+        dc->TextOut(static_cast<int>(c.left + 5), static_cast<int>(frame.top - 5 + i * h), "10");
+}
+
+void WriteYExponents(CDC* dc, const RECT& c, const RECT& frame, int h, int decades, double yMax, double yMin,
+                     double fraction) {
+    for (int i = 0; i <= decades; ++i) {
+        CString text;
+        text.Format("%.2f", yMax - (yMax - yMin) * i * fraction);
+        dc->TextOut(static_cast<int>(c.left + 18), static_cast<int>(frame.top + i * h - 9), text);
+    }
+}
+
+void DrawFrame(CDC* dc, const RECT& frame) {
+    dc->MoveTo(static_cast<int>(frame.left), static_cast<int>(frame.top));
+    dc->LineTo(static_cast<int>(frame.left), static_cast<int>(frame.bottom));
+    dc->LineTo(static_cast<int>(frame.right), static_cast<int>(frame.bottom));
+    dc->LineTo(static_cast<int>(frame.right), static_cast<int>(frame.top));
+    dc->LineTo(static_cast<int>(frame.left), static_cast<int>(frame.top));
+}
+
+bool AxisPixel(double origin, double length, double value, double low, double high, long* pixel) {
+    double span = high - low;
+    if (span == 0.0 || !std::isfinite(span)) {
+        low -= 0.5;
+        span = 1.0;
+    }
+    const double at = origin + length * (value - low) / span;
+    if (std::isnan(at)) return false;
+    *pixel = static_cast<long>(std::fmax(-kFarPixels, std::fmin(kFarPixels, at)));
+    return true;
+}
+
+bool LogAxisPixel(double origin, double length, double value, double low, double high, long* pixel) {
+    if (std::isnan(value)) return false;
+    if (value <= 0.0) return AxisPixel(origin, length, low, low, high, pixel);
+    if (std::isinf(value)) return AxisPixel(origin, length, high, low, high, pixel);
+    return AxisPixel(origin, length, std::log10(value), low, high, pixel);
+}
+
+bool PositiveExtremes(const CDoubleArray& values, int n, double* smallest, double* largest) {
+    bool found = false;
+    for (int i = 0; i < n; ++i) {
+        const double v = values.GetAt(i);
+        if (!(v > 0.0) || !std::isfinite(v)) continue;
+        if (!found || v < *smallest) *smallest = v;
+        if (!found || v > *largest) *largest = v;
+        found = true;
+    }
+    return found;
+}
+
+double RaiseBound(double bound, double exponent) {
+    if (std::isnan(exponent)) return bound;
+    if (std::isnan(bound) || (exponent > bound && (std::isinf(bound) || exponent - bound > kFarDecades)))
+        return std::ceil(exponent);
+    while (exponent > bound) bound += 1.0;
+    return bound;
+}
+
+double LowerBound(double bound, double exponent) {
+    if (std::isnan(exponent)) return bound;
+    if (std::isnan(bound) || (exponent < bound && (std::isinf(bound) || bound - exponent > kFarDecades)))
+        return std::floor(exponent);
+    while (exponent < bound) bound -= 1.0;
+    return bound;
+}
+
+double WidenXDecades(double bound, double largestX) {
+    if (!(largestX > 0.0) || !std::isfinite(largestX)) return bound;
+    const double exponent = std::log10(largestX);
+    if (bound == INFINITY) return bound;
+    if (std::isnan(bound) || bound == -INFINITY || exponent - bound > kFarDecades) bound = std::floor(exponent);
+    while (std::pow(10.0, bound) < largestX) bound += 1.0;
+    return bound;
+}
+
+}  // namespace plotaxes

@@ -1,0 +1,52 @@
+// What the two curve plots share: the frame of the plotting area, the decade grid of the error axis, the
+// "10" labels with their small exponents, the mapping of a value to a pixel, and the widening of an axis
+// range in whole decades.
+#pragma once
+
+#include "platform/drawing.h"
+#include "workspace/doublearray.h"
+
+namespace plotaxes {
+
+constexpr COLORREF kBlack = RGB(0, 0, 0);
+constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
+constexpr COLORREF kGrid = RGB(0xD2, 0xD2, 0xD2);
+constexpr COLORREF kCurve = RGB(0x00, 0x00, 0xFF);
+constexpr const char* kAxisFace = "Times New Roman";
+
+// The plotting area within the client rectangle c.
+RECT PlotFrame(const RECT& c);
+// Transparent text background, and c filled with white.
+void ClearClient(CDC* dc, const RECT& c);
+// The horizontal grid of a logarithmic axis over the given number of decades of h pixels each, from the
+// bottom: per decade its bottom line and the lines of 1 to 10 times its power of ten.
+void DrawDecadeRows(CDC* dc, const RECT& frame, int h, int decades);
+// "10" at the left of each decade line, decades + 1 of them.
+void WriteDecadeTens(CDC* dc, const RECT& c, const RECT& frame, int h, int decades);
+// The exponents beside the "10"s: yMax - (yMax - yMin) * i * fraction with "%.2f", top down.
+void WriteYExponents(CDC* dc, const RECT& c, const RECT& frame, int h, int decades, double yMax, double yMin,
+                     double fraction);
+// The frame, with the pen that is selected: (L, T), (L, B), (R, B), (R, T), (L, T).
+void DrawFrame(CDC* dc, const RECT& frame);
+
+// origin + length * (value - low) / (high - low), truncated to a pixel. A range of zero extent, or one that
+// is not a number, is taken as one unit centred on low, so that the mapping always has a divisor. False
+// when the result is not a number; results far outside any surface are clamped.
+bool AxisPixel(double origin, double length, double value, double low, double high, long* pixel);
+// The same on a logarithmic axis whose low and high are exponents of ten. A value of 0 or below has no
+// logarithm: it goes to the low end of the axis (an error of 0 lies on the floor of the plot), and +inf to
+// the high end.
+bool LogAxisPixel(double origin, double length, double value, double low, double high, long* pixel);
+
+// The smallest and largest of the first n elements that are positive finite numbers, the only ones with a
+// logarithm to plot; false when there are none.
+bool PositiveExtremes(const CDoubleArray& values, int n, double* smallest, double* largest);
+// bound + 1.0 as often as needed until it is at least exponent. A bound that is not finite, or too far
+// away to step to (a value a user typed), becomes the whole number above exponent at once.
+double RaiseBound(double bound, double exponent);
+// bound - 1.0 as often as needed until it is at most exponent; the same guards.
+double LowerBound(double bound, double exponent);
+// The exponent of the x axis's right end: + 1.0 while 10 to its power is below largestX.
+double WidenXDecades(double bound, double largestX);
+
+}  // namespace plotaxes

@@ -1,0 +1,96 @@
+// The plots' right-button menus and range commands of the main window, and the range dialogs' data exchange.
+#include "platform/window.h"
+#include "shell/plots.h"
+#include "workspace/dialogs.h"
+#include "workspace/workspace.h"
+
+namespace {
+
+constexpr int kSummaryPlotId = 1012;
+constexpr int kIterationPlotId = 1013;
+constexpr UINT kIterationMenu = 134;
+constexpr UINT kSummaryMenu = 135;
+
+constexpr int kUpperEdit = 1098;
+constexpr int kLowerEdit = 1099;
+constexpr int kMultiplierEdit = 1100;
+
+// The screen rectangle of a control; empty when the dialog has no such control.
+RECT ScreenRectOf(const CWnd& dialog, int id) {
+    RECT rect;
+    if (CWnd* control = dialog.GetDlgItem(id)) control->GetWindowRect(&rect);
+    return rect;
+}
+
+// Shows a pair of exponent bounds in the dialog, and takes them back only after OK. The plot's lock is held
+// while its values are read and written, never while the dialog is open: a run goes on meanwhile.
+void EditBounds(CPlotBase& plot, CRangeDlg& dialog, double& lower, double& upper) {
+    {
+        auto lock = plot.SeriesLock();
+        dialog.m_dLower = lower;
+        dialog.m_dUpper = upper;
+    }
+    if (dialog.DoModal() == IDOK) {
+        auto lock = plot.SeriesLock();
+        lower = dialog.m_dLower;
+        upper = dialog.m_dUpper;
+    }
+    plot.Redraw();
+}
+
+}  // namespace
+
+void CVantrelDlg::OnRButtonDown(UINT /*nFlags*/, CPoint point) {
+    const RECT iterationRect = ScreenRectOf(*this, kIterationPlotId);
+    const RECT summaryRect = ScreenRectOf(*this, kSummaryPlotId);
+    ClientToScreen(&point);
+    UINT menuId = 0;
+    if (PtInRect(&iterationRect, point))
+        menuId = kIterationMenu;
+    else if (PtInRect(&summaryRect, point))
+        menuId = kSummaryMenu;
+    if (menuId != 0) {
+        CMenu menu;
+        if (menu.LoadMenu(menuId)) {
+            if (CMenu* popup = menu.GetSubMenu(0))
+                popup->TrackPopupMenu(TPM_RIGHTBUTTON, static_cast<int>(point.x), static_cast<int>(point.y), this);
+            menu.DestroyMenu();
+        }
+    }
+    Default();
+}
+
+void CVantrelDlg::OnIterationXRange() {
+    EditBounds(m_iterationPlot, m_dlgIterationXRange, m_iterationPlot.m_dXMin, m_iterationPlot.m_dXMax);
+}
+
+void CVantrelDlg::OnIterationYRange() {
+    EditBounds(m_iterationPlot, m_dlgIterationYRange, m_iterationPlot.m_dYMin, m_iterationPlot.m_dYMax);
+}
+
+void CVantrelDlg::OnSummaryYRange() {
+    EditBounds(m_summaryPlot, m_dlgSummaryYRange, m_summaryPlot.m_dYMin, m_summaryPlot.m_dYMax);
+}
+
+void CVantrelDlg::OnSummaryXRange() {
+    {
+        auto lock = m_summaryPlot.SeriesLock();
+        m_dlgSummaryXRange.m_nMultiplier = static_cast<UINT>(m_summaryPlot.m_nMultiplier);
+    }
+    if (m_dlgSummaryXRange.DoModal() == IDOK) {
+        auto lock = m_summaryPlot.SeriesLock();
+        m_summaryPlot.m_nMultiplier = static_cast<int>(m_dlgSummaryXRange.m_nMultiplier);
+    }
+    m_summaryPlot.Redraw();
+}
+
+void CRangeDlg::DoDataExchange(CDataExchange* dx) {
+    CDialog::DoDataExchange(dx);
+    DDX_Text(dx, kUpperEdit, m_dUpper);
+    DDX_Text(dx, kLowerEdit, m_dLower);
+}
+
+void CSummaryXRangeDlg::DoDataExchange(CDataExchange* dx) {
+    CDialog::DoDataExchange(dx);
+    DDX_Text(dx, kMultiplierEdit, m_nMultiplier);
+}
