@@ -34,7 +34,7 @@ std::vector<DialogWindow*>& OpenWindows() {
 // desktop's statics do, so a right click on a plot reaches the dialog's handler.
 class StaticWidget : public QLabel {
 public:
-    StaticWidget(DialogWindow* window, int id) : m_window(window), m_id(id) {
+    StaticWidget(DialogWindow* window, int id) : QLabel(window), m_window(window), m_id(id) {
         setAttribute(Qt::WA_TransparentForMouseEvents);
     }
 
@@ -83,6 +83,12 @@ DialogWindow::DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* p
                             DluToPixelsY(control.cy));
         if (control.kind == ControlKind::ComboBox)  // the template's height is that of the open list
             widget->resize(widget->width(), DluToPixelsY(12) + 2);
+        if (control.kind == ControlKind::Static && !(control.style & SS_SUNKEN) && control.caption != nullptr) {
+            // The stand-in font runs a little wider than the one the rectangles were laid out for: let a
+            // label's text run past its rectangle rather than lose its last letters.
+            const int needed = widget->fontMetrics().horizontalAdvance(QtText(control.caption)) + 1;
+            if (needed > widget->width()) widget->resize(needed, widget->height());
+        }
         if (control.style & WS_DISABLED) widget->setEnabled(false);
         if (control.id > 0) {
             m_controls[control.id] = widget;
