@@ -1,0 +1,145 @@
+// Recursive blocked LU with implicit scaled partial pivoting, and the inverse from its factors.
+#include <cblas.h>
+#include <lapacke.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "network/kernels.h"
+#include "network/matrix.h"
+
+namespace kernels {
+
+namespace {
+
+// Panels this narrow are factored column by column; wider ones split in two.
+constexpr int kBasePanel = 16;
+
+struct Factorization {
+    double* a;
+    int n;
+    int* indx;
+    std::vector<double> vv;  // 1 / largest magnitude of each row, moved along with the rows
+    double* At(int i, int j) const { return a + static_cast<size_t>(i) * n + j; }
+};
+
+// The implicit scaling. NaNs never pass the comparison, so a row of NaNs counts as a zero row.
+void ScaleRows(Factorization& f) {
+    for (int i = 0; i < f.n; ++i) {
+        const double* row = f.At(i, 0);
+        double big = 0.0;
+        for (int j = 0; j < f.n; ++j) {
+            const double t = std::fabs(row[j]);
+            if (t > big) big = t;
+        }
+        if (big == 0.0) throw CSingularMatrixException();
+        f.vv[i] = 1.0 / big;
+    }
+}
+
+// Step k of the plain decomposition as far as column k itself: pivot search, whole-row swap, indx, TINY and
+// the multipliers below the diagonal. Updating the columns right of k is left to the caller.
+void EliminateColumn(Factorization& f, int k) {
+    // A column with no positive scaled candidate (all 0 or NaN) keeps its own row as pivot: the matrix has no
+    // inverse, and the run meets huge values or NaNs instead of an undefined row index.
+    int imax = k;
+    double big = 0.0;
+    for (int i = k; i < f.n; ++i) {
+        const double t = f.vv[i] * std::fabs(*f.At(i, k));
+        if (t > big) {
+            big = t;
+            imax = i;
+        }
+    }
+    if (imax != k) {
+        std::swap_ranges(f.At(imax, 0), f.At(imax, 0) + f.n, f.At(k, 0));
+        f.vv[imax] = f.vv[k];
+    }
+    f.indx[k] = imax;
+    double* pivot = f.At(k, k);
+    if (*pivot == 0.0) *pivot = kTinyPivot;
+    for (int i = k + 1; i < f.n; ++i) *f.At(i, k) = *f.At(i, k) / *pivot;
+}
+
+// Columns k0 .. k0 + width - 1, rows k0 .. n - 1, one column at a time with rank-1 updates inside the panel.
+void FactorNarrowPanel(Factorization& f, int k0, int width) {
+    const int end = k0 + width;
+    for (int k = k0; k < end; ++k) {
+        EliminateColumn(f, k);
+        const double* pivotRow = f.At(k, 0);
+        for (int i = k + 1; i < f.n; ++i) {
+            double* row = f.At(i, 0);
+            const double t = row[k];
+            for (int j = k + 1; j < end; ++j) row[j] -= t * pivotRow[j];
+        }
+    }
+}
+
+// Columns k0 .. k0 + width - 1 with all rows from k0 down. The left half is factored first; the right half
+// gets its updates from the left half by a triangular solve and a matrix product, then is factored itself.
+// Row swaps always take whole rows, so the columns outside the panel follow them at once.
+void FactorPanel(Factorization& f, int k0, int width) {
+    if (width <= kBasePanel) {
+        FactorNarrowPanel(f, k0, width);
+        return;
+    }
+    const int left = width / 2;
+    const int k1 = k0 + left;
+    const int right = width - left;
+    FactorPanel(f, k0, left);
+    cblas_dtrsm(CblasRowMajor, CblasLeft, CblasLower, CblasNoTrans, CblasUnit, left, right, 1.0, f.At(k0, k0),
+                f.n, f.At(k0, k1), f.n);
+    if (k1 < f.n)
+        cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, f.n - k1, right, left, -1.0, f.At(k1, k0), f.n,
+                    f.At(k0, k1), f.n, 1.0, f.At(k1, k1), f.n);
+    FactorPanel(f, k1, right);
+}
+
+// to = transpose of from, both n x n.
+void Transpose(const double* from, int n, double* to) {
+    const int tile = 32;
+    for (int ib = 0; ib < n; ib += tile)
+        for (int jb = 0; jb < n; jb += tile)
+            for (int i = ib; i < std::min(ib + tile, n); ++i)
+                for (int j = jb; j < std::min(jb + tile, n); ++j)
+                    to[static_cast<size_t>(j) * n + i] = from[static_cast<size_t>(i) * n + j];
+}
+
+void TransposeInPlace(double* a, int n) {
+    const int tile = 32;
+    for (int ib = 0; ib < n; ib += tile)
+        for (int jb = ib; jb < n; jb += tile)
+            for (int i = ib; i < std::min(ib + tile, n); ++i)
+                for (int j = std::max(jb, i + 1); j < std::min(jb + tile, n); ++j)
+                    std::swap(a[static_cast<size_t>(i) * n + j], a[static_cast<size_t>(j) * n + i]);
+}
+
+}  // namespace
+
+void FactorLU(double* a, int n, int* indx) {
+    if (n <= 0) return;
+    Factorization f{a, n, indx, std::vector<double>(n)};
+    ScaleRows(f);
+    FactorPanel(f, 0, n);
+}
+
+bool InvertFromFactors(const double* lu, int n, const int* indx, double* inverse) {
+    if (n <= 0) return true;
+    // A row-major block read column-major is the transpose, so the factors go over transposed and the
+    // inverse comes back the same way. The row swaps at step k are LAPACK's pivots, counted from 1.
+    Transpose(lu, n, inverse);
+    std::vector<lapack_int> ipiv(n);
+    for (int k = 0; k < n; ++k) ipiv[k] = indx[k] + 1;
+    double query = 0.0;
+    // The _work form skips LAPACKE's scan for NaNs: a NaN matrix inverts to NaNs like any other.
+    if (LAPACKE_dgetri_work(LAPACK_COL_MAJOR, n, inverse, n, ipiv.data(), &query, -1) != 0) return false;
+    std::vector<double> work(std::max<size_t>(static_cast<size_t>(query), static_cast<size_t>(n)));
+    const lapack_int info =
+        LAPACKE_dgetri_work(LAPACK_COL_MAJOR, n, inverse, n, ipiv.data(), work.data(), static_cast<lapack_int>(work.size()));
+    if (info != 0) return false;
+    TransposeInPlace(inverse, n);
+    return true;
+}
+
+}  // namespace kernels
