@@ -124,7 +124,7 @@ UINT EndErrorCorrection(RunState& run) {
     if (dlg.m_bOnline != 0) {
         dlg.m_bOnline = 0;
         dlg.m_bNetworkReady = false;
-        if (CWnd* box = dlg.GetDlgItem(kOnlineTraining)) box->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+        dlg.GetDlgItem(kOnlineTraining)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
     }
     return 0;
 }

@@ -6,13 +6,10 @@
 
 namespace training {
 
-void SetItemText(CVantrelDlg& dlg, int id, const CString& text) {
-    if (CWnd* item = dlg.GetDlgItem(id)) item->SetWindowText(text);
-}
+void SetItemText(CVantrelDlg& dlg, int id, const CString& text) { dlg.GetDlgItem(id)->SetWindowText(text); }
 
 void EnableItems(CVantrelDlg& dlg, std::initializer_list<int> ids, BOOL enable) {
-    for (int id : ids)
-        if (CWnd* item = dlg.GetDlgItem(id)) item->EnableWindow(enable);
+    for (int id : ids) dlg.GetDlgItem(id)->EnableWindow(enable);
 }
 
 void WriteIterationReadouts(CVantrelDlg& dlg, UINT iteration, double error) {

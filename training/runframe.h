@@ -37,8 +37,8 @@ struct RunState {
     UINT iteration = 0;            // the iteration under way, for a failure message
 };
 
-// Control operations that pass over a missing control, so that the numerics run on a workspace without a
-// window as well.
+// Control operations from the worker: queued to the window's thread, never waited for. Without a window
+// (unit tests) they do nothing.
 void SetItemText(CVantrelDlg& dlg, int id, const CString& text);
 void EnableItems(CVantrelDlg& dlg, std::initializer_list<int> ids, BOOL enable = TRUE);
 

@@ -26,7 +26,7 @@ void CVantrelDlg::OnStartTraining() {
         return;
     }
     CString caption;
-    if (CWnd* button = GetDlgItem(kStartButton)) button->GetWindowText(caption);
+    GetDlgItem(kStartButton)->GetWindowText(caption);
 
     // The caption turns back to "Start Training" only as a run ends, so a press while a stopped run is still
     // finishing its iteration starts nothing.

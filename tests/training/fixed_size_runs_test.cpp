@@ -1,0 +1,196 @@
+// Whole runs of the four methods with a fixed number of units on the hidden main dialog: stopping tests, the
+// trial's read-outs, curves and result blocks, Stop, and the ways a run fails.
+#include <cmath>
+#include <limits>
+
+#include "platform/thread.h"
+#include "run_fixture.h"
+
+namespace {
+
+TEST_F(TrainingRun, TrialReachingTheGoalAtIterationSevenHasEightErrorsAndReportsSeven) {
+    LoadSmallProblem();
+    m_dlg.m_nIterations = 10;
+    m_dlg.m_dDesiredError = 0.0;  // never reached: shows the error after each of ten iterations
+    ASSERT_EQ(Run(TrainSecondOrder), 0u);
+    const std::vector<double> free = Curve(m_dlg.m_iterationPlot.m_arrY);
+    ASSERT_EQ(free.size(), 11u);
+    ASSERT_LT(free[7], free[6]) << "the crafted problem must still improve at iteration 7";
+
+    LoadSmallProblem();  // the same start again
+    m_dlg.m_dDesiredError = (free[6] + free[7]) / 2;
+    m_dlg.m_bSaveResults = 1;
+    ASSERT_EQ(Run(TrainSecondOrder), 0u);
+    EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrY).size(), 8u);
+    EXPECT_EQ(Text(1024), "7");
+    CString error;
+    error.Format("%.12f", free[7]);
+    EXPECT_EQ(Text(1025), error.str());
+    EXPECT_NE(ResultText().find("total iterations: 7, "), std::string::npos) << ResultText();
+    EXPECT_EQ(Text(1010), "Start Training");
+    ExpectEnabled({1009, 1014, 1064, 1055, 1038}, true);
+    EXPECT_FALSE(m_dlg.m_bTraining);
+}
+
+TEST_F(TrainingRun, ErrorEqualToTheGoalGoesOnAndAnInitialErrorBelowItStillTakesOneIteration) {
+    LoadSmallProblem();
+    m_dlg.m_nIterations = 3;
+    m_dlg.m_dDesiredError = 1e9;  // the initial error is far below: one iteration all the same
+    Run(TrainImprovedSecondOrder);
+    EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrY).size(), 2u);
+
+    LoadSmallProblem();
+    m_dlg.m_dLearningConstant = 0.0;  // first order without a step: the error stays the initial one
+    m_dlg.m_dDesiredError = m_dlg.ComputeError();
+    Run(TrainFirstOrder);
+    EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrY).size(), 4u) << "an error equal to the goal must not end a trial";
+}
+
+TEST_F(TrainingRun, TrialsFeedTheSummaryAndOneOrMultipleCurves) {
+    LoadSmallProblem();
+    m_dlg.m_nIterations = 2;
+    m_dlg.m_dDesiredError = 0.0;
+    m_dlg.m_nTrials = 25;
+    m_dlg.m_nCurveMode = 1;
+    m_dlg.m_bSaveResults = 1;
+    ASSERT_EQ(Run(TrainImprovedFirstOrder), 0u);
+
+    const std::vector<double> x = Curve(m_dlg.m_iterationPlot.m_arrX);
+    ASSERT_EQ(x.size(), 75u) << "Multiple Curves must keep a curve of three points per trial";
+    EXPECT_EQ(x[3], 1.0) << "each curve starts again at x = 1";
+    const std::vector<double> summary = Curve(m_dlg.m_summaryPlot.m_arrY);
+    ASSERT_EQ(summary.size(), 25u);
+    EXPECT_EQ(Curve(m_dlg.m_summaryPlot.m_arrX).back(), 25.0);
+    EXPECT_EQ(m_dlg.m_summaryPlot.m_nMultiplier, 3) << "trials 21 to 25 show multiplier 3";
+    double sum = 0.0;
+    for (double e : summary) sum += e;
+    CString average;
+    average.Format("%.12f", sum / 25);
+    EXPECT_EQ(Text(1026), average.str());
+    EXPECT_EQ(Count(ResultText(), "total iterations: 2, "), 25);
+    EXPECT_EQ(Count(ResultText(), "Initial Conditions"), 25);
+
+    m_dlg.m_nCurveMode = 0;
+    m_dlg.m_nTrials = 2;
+    Run(TrainImprovedFirstOrder);
+    EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrX).size(), 3u) << "One Curve must show the last trial only";
+}
+
+TEST_F(TrainingRun, ClassificationTrialSweepsTheGridThreeStepsBeyondThePatterns) {
+    LoadPatterns({{0.0, 0.0, 1.0}, {1.0, 0.5, -1.0}, {0.5, 1.0, 1.0}});
+    SetNetwork({1, 1}, {0.0, 1.0}, {0.5}, {0.5, 0.5});
+    m_dlg.m_bClassification = true;
+    m_dlg.m_dataPlot.m_dMinX = 0.0;
+    m_dlg.m_dataPlot.m_dMaxX = 1.0;
+    m_dlg.m_dataPlot.m_dStepX = 0.25;  // -0.75 to 1.75: 11 columns
+    m_dlg.m_dataPlot.m_dMinY = 0.0;
+    m_dlg.m_dataPlot.m_dMaxY = 1.0;
+    m_dlg.m_dataPlot.m_dStepY = 0.5;  // -1.5 to 2.5: 9 rows
+    m_dlg.m_nIterations = 2;
+    Run(TrainSecondOrder);
+    const std::vector<double> gx = Curve(m_dlg.m_dataPlot.m_arrGridX);
+    const std::vector<double> gy = Curve(m_dlg.m_dataPlot.m_arrGridY);
+    const std::vector<double> value = Curve(m_dlg.m_dataPlot.m_arrGridValue);
+    ASSERT_EQ(gx.size(), 99u);
+    ASSERT_EQ(value.size(), 99u);
+    EXPECT_EQ(gx.front(), -0.75);
+    EXPECT_EQ(gy.front(), -1.5);
+    EXPECT_EQ(gy[8], 2.5) << "y runs inside x";
+    EXPECT_EQ(gx.back(), 1.75);
+    EXPECT_EQ(value[40], m_dlg.EvaluatePoint(gx[40], gy[40])) << "the grid must show the trained network";
+}
+
+TEST_F(TrainingRun, StopEndsTheTrialUnderWayWithoutItsBlockAndKeepsVerificationOff) {
+    LoadSmallProblem();
+    m_dlg.m_nAlgorithm = 3;
+    m_dlg.m_nIterations = 4000000000u;
+    m_dlg.m_dDesiredError = 0.0;
+    m_dlg.m_bSaveResults = 1;
+    m_dlg.UpdateData(FALSE);  // Start reads the edits back into the fields
+    m_dlg.OnStartTraining();
+    EXPECT_EQ(Text(1010), "Stop Training");
+    ExpectEnabled({1009, 1014, 1064, 1055, 1038}, false);
+    platform::PumpFor(200);
+    m_dlg.OnStartTraining();  // Stop
+    ASSERT_TRUE(platform::PumpUntilWorkersDone(10000)) << "the run did not notice Stop";
+    EXPECT_EQ(Text(1010), "Start Training");
+    ExpectEnabled({1009, 1014, 1064, 1055}, true);
+    EXPECT_FALSE(Enabled(1038)) << "Verification must stay off after Stop";
+    EXPECT_FALSE(m_dlg.m_bTraining);
+    EXPECT_NE(Text(1024), "0") << "the iteration read-out must show the last iteration";
+    EXPECT_EQ(m_dlg.m_iterationPlot.m_arrY.GetSize(), 0) << "a stopped trial gets no curve";
+    EXPECT_EQ(ResultText(), "") << "a stopped trial gets no block";
+    EXPECT_TRUE(Boxes().empty());
+}
+
+TEST_F(TrainingRun, StartWithoutDataOrNetworkOnlyTellsWhy) {
+    m_dlg.OnStartTraining();
+    LoadSmallProblem();
+    m_dlg.m_bNetworkReady = false;
+    m_dlg.OnStartTraining();
+    ASSERT_EQ(Boxes().size(), 2u);
+    EXPECT_EQ(Boxes()[0], "box Error [stop]: Please Load Data");
+    EXPECT_EQ(Boxes()[1], "box Error [stop]: Please Initial Parameters");
+    EXPECT_FALSE(m_dlg.m_bTraining);
+    EXPECT_EQ(AfxRunningWorkers(), 0);
+    EXPECT_EQ(Text(1010), "Start Training");
+}
+
+// A network gone NaN makes the inversion throw "Singular matrix in LUdcmp". The run ends like a stop, with a
+// message, rather than taking the program down.
+TEST_F(TrainingRun, SingularQuasiHessianEndsTheRunWithAMessage) {
+    LoadSmallProblem();
+    m_dlg.m_pWidths[1] = std::numeric_limits<double>::quiet_NaN();
+    m_dlg.m_bSaveResults = 1;
+    EXPECT_EQ(Run(TrainSecondOrder), 1u);
+    ASSERT_EQ(Boxes().size(), 1u);
+    EXPECT_NE(Boxes()[0].find("box Error [stop]: "), std::string::npos) << Boxes()[0];
+    EXPECT_NE(Boxes()[0].find("Singular matrix in LUdcmp"), std::string::npos) << Boxes()[0];
+    EXPECT_FALSE(m_dlg.m_bTraining);
+    EXPECT_EQ(Text(1010), "Start Training");
+    ExpectEnabled({1009, 1014, 1064, 1055}, true);
+    EXPECT_FALSE(Enabled(1038));
+    EXPECT_EQ(ResultText(), "");
+}
+
+// Memory for the saved quasi-Hessian of 6 million parameters (some 288 TB) can't be had.
+TEST_F(TrainingRun, QuasiHessianTooLargeForMemoryEndsTheRunWithAMessage) {
+    LoadPatterns({{0.0, 1.0}, {1.0, 2.0}});
+    const size_t units = 2000000;
+    SetNetwork(std::vector<double>(units, 1.0), std::vector<double>(units + 1, 0.5), std::vector<double>(units, 1.0),
+               std::vector<double>(units, 0.5));
+    EXPECT_EQ(Run(TrainSecondOrder), 1u);
+    ASSERT_EQ(Boxes().size(), 1u);
+    EXPECT_NE(Boxes()[0].find("box Error [stop]: Not enough memory"), std::string::npos) << Boxes()[0];
+    EXPECT_FALSE(m_dlg.m_bTraining);
+    ExpectEnabled({1009, 1014, 1064, 1055}, true);
+    EXPECT_FALSE(Enabled(1038));
+}
+
+TEST_F(TrainingRun, FailedResultFileLeavesTheNetworkUntouched) {
+    LoadSmallProblem();
+    AfxSetModuleDirectory((m_dir + "/missing").c_str());
+    m_dlg.m_bSaveResults = 1;
+    m_dlg.m_dlgInitialization.m_nLoadFromFile = 0;  // would draw a new network if the run went on
+    EXPECT_EQ(Run(TrainFirstOrder), 1u);
+    ASSERT_EQ(Boxes().size(), 2u);
+    EXPECT_EQ(Boxes()[1], "box Error [stop]: Create Result File Failed!");
+    EXPECT_EQ(m_dlg.m_pWidths[0], 0.5);
+    EXPECT_EQ(m_dlg.m_pCenters[1], 1.6);
+    EXPECT_FALSE(m_dlg.m_bTraining);
+    ExpectEnabled({1009, 1014, 1064, 1055}, true);
+    EXPECT_FALSE(Enabled(1038));
+}
+
+TEST_F(TrainingRun, DataSetWithoutPatternsIsRefused) {
+    LoadSmallProblem();
+    m_dlg.m_nPatterns = 0;
+    EXPECT_EQ(Run(TrainByErrorCorrection), 1u);
+    EXPECT_EQ(Run(TrainSecondOrder), 1u);
+    ASSERT_EQ(Boxes().size(), 2u);
+    EXPECT_NE(Boxes()[0].find("no patterns"), std::string::npos) << Boxes()[0];
+    EXPECT_EQ(m_dlg.m_nUnits, 2u) << "the network must stay as it was";
+    EXPECT_FALSE(m_dlg.m_bTraining);
+}
+
+}  // namespace
