@@ -1,0 +1,139 @@
+// The data set reader: the counts that decide a file's shape, the values in reading order, and the limits of
+// the arrays that a malformed file must not cross.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "files/datafile.h"
+#include "files/scanner.h"
+
+namespace {
+
+constexpr double kGuard = -12345.0;
+
+struct Loaded {
+    CDataSetShape shape;
+    UINT inputs = 0;
+    std::size_t values = 0;
+    std::vector<double> x;  // room for patterns x inputs, then guard elements
+    std::vector<double> t;  // room for patterns, then guard elements
+};
+
+// Reads a file's bytes as the load does, with arrays sized from the counts and guard elements behind them.
+Loaded Load(const std::string& fileBytes) {
+    const std::string text = MakeScanText(fileBytes.data(), fileBytes.size());
+    Loaded l;
+    l.shape = MeasureDataSet(text);
+    l.inputs = l.shape.columns > 0 ? static_cast<UINT>(l.shape.columns - 1) : 0;
+    const std::size_t xRoom = l.shape.patterns * l.inputs;
+    const std::size_t tRoom = l.shape.patterns;
+    l.x.assign(xRoom + 8, kGuard);
+    l.t.assign(tRoom + 8, kGuard);
+    l.values = ReadPatternRows(text, l.inputs, l.x.data(), xRoom, l.t.data(), tRoom);
+    return l;
+}
+
+bool Complete(const Loaded& l) { return l.values == (l.inputs + 1) * l.shape.patterns; }
+
+std::vector<double> Head(const std::vector<double>& v, std::size_t n) { return {v.begin(), v.begin() + n}; }
+
+void ExpectGuardsIntact(const Loaded& l, const char* what) {
+    const std::size_t xRoom = l.shape.patterns * l.inputs;
+    for (std::size_t k = xRoom; k < l.x.size(); ++k) EXPECT_EQ(l.x[k], kGuard) << what << ": inputs overrun at " << k;
+    for (std::size_t k = l.shape.patterns; k < l.t.size(); ++k)
+        EXPECT_EQ(l.t[k], kGuard) << what << ": targets overrun at " << k;
+}
+
+}  // namespace
+
+TEST(DataSetReader, ReadsInputsAndTargetsOfAWellFormedFile) {
+    const Loaded l = Load("0.10 0.25 1\r\n0.50 -1.5e-2 -1\r\n.75 1 1\r\n");
+    EXPECT_EQ(l.shape.patterns, 3u);
+    EXPECT_EQ(l.shape.columns, 3u);
+    EXPECT_TRUE(Complete(l));
+    EXPECT_EQ(Head(l.x, 6), (std::vector<double>{0.10, 0.25, 0.50, -0.015, 0.75, 1}));
+    EXPECT_EQ(Head(l.t, 3), (std::vector<double>{1, -1, 1}));
+}
+
+TEST(DataSetReader, FilesWithoutRowsHaveNoPatternsAndNoInputs) {
+    for (const std::string file : {"", "\r\n\r\n  \r\n", "abc xyz\r\nInputs Outputs\r\n"}) {
+        const Loaded l = Load(file);
+        EXPECT_EQ(l.shape.patterns, 0u) << "file: " << file;
+        EXPECT_EQ(l.inputs, 0u) << "file: " << file;
+        EXPECT_EQ(l.values, 0u) << "file: " << file;
+    }
+}
+
+TEST(DataSetReader, OneColumnFileHasNoInputsButAllTargets) {
+    const Loaded l = Load("1\r\n2\r\n3\r\n");
+    EXPECT_EQ(l.inputs, 0u);
+    EXPECT_TRUE(Complete(l)) << "a one-column file passes the count test";
+    EXPECT_EQ(Head(l.t, 3), (std::vector<double>{1, 2, 3}));
+}
+
+TEST(DataSetReader, TitleRowWithAnEMakesTheFileOneColumnWide) {
+    const Loaded l = Load("Pattern\r\n1 2 3\r\n");
+    EXPECT_EQ(l.shape.patterns, 2u);
+    EXPECT_EQ(l.inputs, 0u);
+    EXPECT_FALSE(Complete(l));
+    ExpectGuardsIntact(l, "title row");
+}
+
+TEST(DataSetReader, ShortRowFailsTheCountTest) {
+    const Loaded l = Load("1 2 3\r\n4 5\r\n");
+    EXPECT_EQ(l.values, 5u);
+    EXPECT_FALSE(Complete(l));
+    ExpectGuardsIntact(l, "short row");
+}
+
+TEST(DataSetReader, LongerRowsStayInsideTheArraysAndStillCount) {
+    const Loaded l = Load("1 2 3\r\n4 5 6 7 8 9 10\r\n");
+    EXPECT_EQ(l.values, 10u) << "every value read must count, stored or not";
+    EXPECT_FALSE(Complete(l));
+    EXPECT_EQ(Head(l.t, 2), (std::vector<double>{3, 6}));
+    ExpectGuardsIntact(l, "long row");
+}
+
+TEST(DataSetReader, SurplusAndShortageThatCancelOutPassInReadingOrder) {
+    const Loaded l = Load("1 2 3\r\n4 5\r\n6 7 8 9\r\n");
+    EXPECT_TRUE(Complete(l));
+    EXPECT_EQ(Head(l.x, 6), (std::vector<double>{1, 2, 4, 5, 6, 7}));
+    EXPECT_EQ(Head(l.t, 3), (std::vector<double>{3, 8, 9}));
+    ExpectGuardsIntact(l, "cancelling rows");
+}
+
+TEST(DataSetReader, MixedSeparatorsAndBareLineEnds) {
+    const Loaded mixed = Load("1\t2,3\r\n4;5 6\r\n");
+    EXPECT_TRUE(Complete(mixed));
+    EXPECT_EQ(Head(mixed.t, 2), (std::vector<double>{3, 6}));
+
+    // With bare LF ends each row loses its last byte: here the target digit, so the rows come out short.
+    const Loaded bare = Load("1 2 3\n4 5 6\n");
+    EXPECT_EQ(bare.inputs, 1u);
+    EXPECT_EQ(Head(bare.x, 2), (std::vector<double>{1, 4}));
+    EXPECT_EQ(Head(bare.t, 2), (std::vector<double>{2, 5}));
+}
+
+TEST(DataSetReader, SampleDataSetsLoadComplete) {
+    struct Sample {
+        const char* name;
+        std::size_t patterns;
+        UINT inputs;
+    };
+    for (const Sample& s : {Sample{"sin1d.txt", 50, 1}, Sample{"surface2d.txt", 144, 2}, Sample{"twomoons.txt", 100, 2}}) {
+        std::string text;
+        const std::string path = std::string(VANTREL_SOURCE_DIR) + "/data/" + s.name;
+        ASSERT_EQ(ReadScanText(path.c_str(), text), ReadTextResult::Ok) << path;
+        for (std::size_t k = 0; k < text.size(); ++k)
+            if (text[k] == '\n') {
+                ASSERT_TRUE(k > 0 && text[k - 1] == '\r') << s.name << ": bare LF at byte " << k;
+            }
+        const CDataSetShape shape = MeasureDataSet(text);
+        EXPECT_EQ(shape.patterns, s.patterns) << s.name;
+        EXPECT_EQ(shape.columns, s.inputs + 1u) << s.name;
+        std::vector<double> x(shape.patterns * s.inputs), t(shape.patterns);
+        EXPECT_EQ(ReadPatternRows(text, s.inputs, x.data(), x.size(), t.data(), t.size()), x.size() + t.size())
+            << s.name;
+    }
+}

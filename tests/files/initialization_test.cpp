@@ -1,0 +1,200 @@
+// Initialization: the tests of the dialog's OK, its enable rules, both paths of OnInitialization and the
+// settings summary.
+#include "platform/dialogwindow.h"
+#include "files/initialization.h"
+#include "tests/files/workspace_fixture.h"
+
+namespace {
+
+using InitializationTest = WorkspaceTest;
+
+const char* ErrorOf(const CInitializationDlg& d) { return InitializationError(d) ? InitializationError(d) : ""; }
+
+std::vector<std::string> Lines(const CVantrelDlg& dlg) {
+    std::vector<std::string> lines;
+    for (const CString& line : SettingsLines(dlg)) lines.push_back(line.str());
+    return lines;
+}
+
+}  // namespace
+
+TEST(InitializationOk, TestsRunInOrderAndTheFirstFailureSpeaks) {
+    CInitializationDlg d;
+    d.m_nPatterns = 10;
+    EXPECT_STREQ(ErrorOf(d), "") << "the defaults pass";
+    d.m_nInputWeightMode = d.m_nOutputWeightMode = d.m_nWidthMode = 0;
+    d.m_dInputWeightMin = 2;
+    d.m_dOutputWeightMin = 2;
+    d.m_dWidthMin = -1;
+    d.m_dWidthMax = -2;
+    EXPECT_STREQ(ErrorOf(d), "Input Weights: Lower boundary should be less than upper boundary!");
+    d.m_dInputWeightMin = 1;  // equal bounds pass
+    EXPECT_STREQ(ErrorOf(d), "Output Weights: Lower boundary should be less than upper boundary!");
+    d.m_dOutputWeightMin = 0.5;
+    EXPECT_STREQ(ErrorOf(d), "Widths: Lower boundary should be less than upper boundary!");
+    d.m_dWidthMax = 1;
+    EXPECT_STREQ(ErrorOf(d), "Widths: Minimum widths should be larger than zero!");
+    d.m_dWidthMin = 0.5;
+    EXPECT_STREQ(ErrorOf(d), "");
+    d.m_dWidthMin = d.m_dWidthMax = 0;
+    EXPECT_STREQ(ErrorOf(d), "Widths: Minimum widths should be larger than zero!");
+    d.m_nWidthMode = 1;
+    d.m_dWidthFixed = 0;
+    EXPECT_STREQ(ErrorOf(d), "Widths: Fixed widths should be larger than zero!") << "random bounds idle in fixed mode";
+}
+
+TEST(InitializationOk, UnitsWithoutRepetitionAreBoundByThePatterns) {
+    CInitializationDlg d;
+    d.m_nPatterns = 5;
+    d.m_nUnits = 5;
+    EXPECT_STREQ(ErrorOf(d), "");
+    d.m_nUnits = 6;
+    EXPECT_STREQ(ErrorOf(d), "Number of RBF units cannot larger than Number of patterns");
+    d.m_nCenterMode = 1;
+    EXPECT_STREQ(ErrorOf(d), "") << "with repetition any number of units passes";
+    d.m_nCenterMode = 2;
+    d.m_nUnits = 0;
+    d.m_dInputWeightFixed = -3;
+    EXPECT_STREQ(ErrorOf(d), "") << "no units and negative fixed weights pass";
+}
+
+TEST(InitializationDialog, LoadFromFileDisablesTheManualControls) {
+    CInitializationDlg d;
+    ASSERT_TRUE(d.CreateHidden());
+    const auto enabled = [&d](int id) { return d.GetDlgItem(id)->IsWindowEnabled() != 0; };
+    const auto checked = [&d](int id) { return d.GetDlgItem(id)->SendMessage(BM_GETCHECK) == BST_CHECKED; };
+    EXPECT_TRUE(checked(1071));
+    EXPECT_FALSE(checked(1070));
+    EXPECT_TRUE(enabled(1096));
+    EXPECT_TRUE(enabled(1074)) << "fixed edit of a group in fixed mode";
+    EXPECT_FALSE(enabled(1045)) << "lower edit of a group in fixed mode";
+
+    d.Window()->ClickControl(1091);  // input weights: random
+    EXPECT_EQ(d.m_nInputWeightMode, 0);
+    EXPECT_TRUE(enabled(1045));
+    EXPECT_TRUE(enabled(1073));
+    EXPECT_FALSE(enabled(1074));
+
+    d.Window()->ClickControl(1070);
+    EXPECT_EQ(d.m_nLoadFromFile, 1);
+    EXPECT_TRUE(checked(1070));
+    EXPECT_FALSE(checked(1071));
+    for (int id : {1091, 1092, 1076, 1077, 1082, 1083, 1088, 1089, 1090, 1096, 1045, 1073, 1074, 1078, 1079, 1080,
+                   1084, 1085, 1086})
+        EXPECT_FALSE(enabled(id)) << "control " << id << " must be disabled with Load From File";
+    EXPECT_TRUE(enabled(1103));
+    EXPECT_TRUE(enabled(1104));
+
+    d.Window()->ClickControl(1071);
+    EXPECT_EQ(d.m_nLoadFromFile, 0);
+    EXPECT_TRUE(enabled(1045)) << "the group's random mode is applied again";
+    EXPECT_TRUE(enabled(1080)) << "output weights keep their fixed mode";
+    EXPECT_FALSE(enabled(1079));
+}
+
+TEST_F(InitializationTest, NeedsADataSet) {
+    dlg.OnInitialization();
+    EXPECT_EQ(prompts.Boxes(), std::vector<std::string>{Box("Please Load Data Set !")});
+    EXPECT_FALSE(dlg.m_bNetworkReady);
+}
+
+TEST_F(InitializationTest, ParameterFileGivesTheNetworkAndItsInitialCopies) {
+    LoadData(Sample("sin1d.txt"));
+    dlg.m_nAlgorithm = 3;
+    prompts.QueueDialog(CInitializationDlg::IDD,
+                        {Set(1103, "0.01"), Click(1070), Ok()}, "init");
+    prompts.QueueFile(Sample("sin1d_3units.ini"), false, "ini");
+    dlg.OnInitialization();
+    EXPECT_TRUE(prompts.Boxes().empty()) << prompts.Boxes().front();
+    EXPECT_TRUE(dlg.m_bNetworkReady);
+    EXPECT_EQ(dlg.m_nUnits, 3u);
+    EXPECT_EQ(dlg.m_dLearningConstant, 0.01);
+    EXPECT_EQ(dlg.m_pCenters[1], 3.1416);
+    EXPECT_EQ(dlg.m_pInitCenters[1], 3.1416);
+    EXPECT_EQ(dlg.m_pWidths[2], 1.5);
+    EXPECT_EQ(dlg.m_pOutputWeights[1], 1.029501);
+    EXPECT_EQ(dlg.m_dlgInitialization.m_nUnits, 1u) << "the dialog's unit count has no say";
+    EXPECT_EQ(Lines(dlg).back(), "Read Parameters from file!");
+}
+
+TEST_F(InitializationTest, MismatchedParameterFileLeavesTheNetworkAlone) {
+    LoadData(Sample("sin1d.txt"));
+    dlg.m_dlgInitialization.m_nLoadFromFile = 1;
+    prompts.QueueDialog(CInitializationDlg::IDD, {Ok()}, "init");
+    prompts.QueueFile(Sample("twomoons_4units.ini"), false, "ini for two inputs");
+    dlg.OnInitialization();
+    EXPECT_EQ(prompts.Boxes(), std::vector<std::string>{Box("Number of RBF units does not match!")});
+    EXPECT_FALSE(dlg.m_bNetworkReady);
+    EXPECT_EQ(dlg.m_nUnits, 0u);
+    EXPECT_EQ(dlg.m_pInputWeights, nullptr);
+}
+
+TEST_F(InitializationTest, CancelledParameterFileDialogClearsTheReadyFlag) {
+    LoadData(Sample("sin1d.txt"));
+    dlg.m_bNetworkReady = true;
+    dlg.m_dlgInitialization.m_nLoadFromFile = 1;
+    prompts.QueueDialog(CInitializationDlg::IDD, {Ok()}, "init");
+    prompts.QueueFile("", true, "cancel");
+    dlg.OnInitialization();
+    EXPECT_FALSE(dlg.m_bNetworkReady);
+    EXPECT_TRUE(prompts.Boxes().empty());
+}
+
+TEST_F(InitializationTest, ErrorCorrectionAsksOnlyForTheLargestNetwork) {
+    LoadData(Sample("sin1d.txt"));
+    dlg.m_nAlgorithm = 2;
+    prompts.QueueDialog(CErrCorInitDlg::IDD, {Set(1097, "7"), Ok()}, "errcor");
+    dlg.OnInitialization();
+    EXPECT_TRUE(dlg.m_bNetworkReady);
+    EXPECT_EQ(dlg.m_nMaxUnits, 7u);
+    EXPECT_EQ(dlg.m_pInputWeights, nullptr) << "the run builds the network itself";
+
+    prompts.QueueDialog(CErrCorInitDlg::IDD, {Cancel()}, "errcor cancel");
+    dlg.OnInitialization();
+    EXPECT_FALSE(dlg.m_bNetworkReady);
+}
+
+TEST_F(InitializationTest, UnitCountTooLargeForMemoryIsRefused) {
+    LoadData(Sample("sin1d.txt"));
+    dlg.m_nUnits = 0;
+    dlg.m_nInputs = 4000000000u;  // 4e9 x 4e9 doubles: more than an address space holds
+    EXPECT_FALSE(ReplaceNetworkArrays(dlg, 4000000000u));
+    EXPECT_EQ(prompts.Boxes().back(), Box("Number of RBF units is too large!"));
+    EXPECT_EQ(dlg.m_nUnits, 0u) << "a failed allocation leaves the network as it was";
+}
+
+TEST_F(InitializationTest, SummaryOfTheDefaults) {
+    dlg.m_nPatterns = 50;
+    dlg.m_nInputs = 1;
+    dlg.m_nOutputs = 1;
+    dlg.m_nUnits = 4;
+    EXPECT_EQ(Lines(dlg), (std::vector<std::string>{
+                              "Selected Algorithm: Second Order Gradient Algorithm", "Number of Patterns: 50",
+                              "Number of Inputs: 1", "Number of Outputs: 1", "Total Number of RBF Units: 4",
+                              "Desired Error: 0.000100", "Input Weight: selected as 1.00",
+                              "Output Weight: selected as 1.00", "Width: selected as 1.00",
+                              "Center: randomly and uniquely selected from the input patterns"}));
+}
+
+TEST_F(InitializationTest, SummaryOfFirstOrderAndErrorCorrection) {
+    dlg.m_nAlgorithm = 4;
+    dlg.m_dlgInitialization.m_nInputWeightMode = 0;
+    dlg.m_dlgInitialization.m_nWidthMode = 0;
+    dlg.m_dlgInitialization.m_nCenterMode = 0;
+    std::vector<std::string> lines = Lines(dlg);
+    ASSERT_EQ(lines.size(), 12u);
+    EXPECT_EQ(lines[0], "Selected Algorithm: Improved First Order Method");
+    EXPECT_EQ(lines[6], "Learning Constant: 0.0010");
+    EXPECT_EQ(lines[7], "Momentum: 0.5000");
+    EXPECT_EQ(lines[8], "Input Weight: randomly generated between 0.50 and 1.00");
+    EXPECT_EQ(lines[10], "Width: randomly generated between 0.50 and 1.00");
+    EXPECT_EQ(lines[11], "Center: randomly generated in the same range of inputs");
+
+    dlg.m_nAlgorithm = 2;
+    dlg.m_nMaxUnits = 9;
+    dlg.m_dlgInitialization.m_nLoadFromFile = 1;
+    lines = Lines(dlg);
+    ASSERT_EQ(lines.size(), 6u) << "no line on weights, widths, centers or files";
+    EXPECT_EQ(lines[0], "Selected Algorithm: Error Correction Algorithm");
+    EXPECT_EQ(lines[4], "Total Number of RBF Units: 9");
+}
