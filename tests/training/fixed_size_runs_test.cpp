@@ -194,3 +194,19 @@ TEST_F(TrainingRun, DataSetWithoutPatternsIsRefused) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(TrainingRun, NaNErrorEndsEachTrialAfterItsFirstIteration) {
+    LoadSmallProblem();
+    m_dlg.m_pWidths[0] = std::numeric_limits<double>::quiet_NaN();
+    m_dlg.m_nIterations = 50;
+    m_dlg.m_nTrials = 2;
+    m_dlg.m_bSaveResults = 1;
+    ASSERT_EQ(Run(TrainFirstOrder), 0u) << "a NaN error is no failure of the run";
+    EXPECT_EQ(Count(ResultText(), "total iterations: 1, "), 2) << ResultText();
+    EXPECT_EQ(Text(1024), "1");
+    EXPECT_TRUE(Boxes().empty());
+}
+
+}  // namespace
