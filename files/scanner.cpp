@@ -1,9 +1,12 @@
 #include "files/scanner.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <stdexcept>
 
 #include "platform/files.h"
 
@@ -18,6 +21,9 @@ std::string MakeScanText(const char* bytes, std::size_t length) {
 }
 
 ReadTextResult ReadScanText(const char* path, std::string& text) {
+    // A directory opens for reading on Linux and reports a length near 2^63: it is no file to read.
+    struct stat status {};
+    if (::stat(path, &status) == 0 && S_ISDIR(status.st_mode)) return ReadTextResult::CannotOpen;
     CFile file;
     if (!file.Open(path, CFile::modeRead)) return ReadTextResult::CannotOpen;
     const unsigned long long length = file.GetLength();
@@ -36,6 +42,8 @@ ReadTextResult ReadScanText(const char* path, std::string& text) {
         bytes.resize(done);
         text = MakeScanText(bytes.data(), bytes.size());
     } catch (const std::bad_alloc&) {
+        return ReadTextResult::NoMemory;
+    } catch (const std::length_error&) {  // a length beyond what a string can hold
         return ReadTextResult::NoMemory;
     }
     return ReadTextResult::Ok;

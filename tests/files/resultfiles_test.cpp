@@ -120,15 +120,3 @@ TEST(ResultBlock, DivergedTrainingShowsInfAndNan) {
     EXPECT_EQ(block[1], "total iterations: 3, average sum square error: inf\r\n");
     EXPECT_EQ(block[8], "nan 1.000000\r\n");
 }
-
-TEST(ResultBlock, EveryLineEndsInCrLfAndNoLineEndsInABlank) {
-    const double V[] = {1, 2}, W[] = {3, 4, 5}, S[] = {6, 7};
-    const std::string text = Joined(ResultBlock(2, 1, 1, 0.1, nullptr, CResultSection{V, W, V, S}));
-    for (std::size_t k = 0; k < text.size(); ++k) {
-        if (text[k] != '\n') continue;
-        ASSERT_EQ(text[k - 1], '\r') << "bare LF at byte " << k;
-        if (k >= 2) {
-            EXPECT_NE(text[k - 2], ' ') << "a line ends in a blank at byte " << k;
-        }
-    }
-}

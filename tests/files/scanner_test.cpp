@@ -70,6 +70,8 @@ TEST(ScanText, ReadsAFileWholeAndRefusesAMissingOne) {
 
     std::string untouched = "kept";
     EXPECT_EQ(ReadScanText((path + ".missing").c_str(), untouched), ReadTextResult::CannotOpen);
+    EXPECT_EQ(ReadScanText(::testing::TempDir().c_str(), untouched), ReadTextResult::CannotOpen)
+        << "a directory is no file";
     EXPECT_EQ(untouched, "kept");
 }
 
