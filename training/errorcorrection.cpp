@@ -19,6 +19,11 @@ std::unique_ptr<double[]> GrownCopy(const double* old, size_t oldCount, size_t n
 }  // namespace
 
 void CVantrelDlg::ResetNetwork() {
+    // The new blocks come first, so that a failed allocation leaves the old network whole.
+    std::unique_ptr<double[]> outputWeights(new double[1]);
+    std::unique_ptr<double[]> outputs(new double[m_nPatterns]);
+    outputWeights[0] = 1.0;
+    std::fill(outputs.get(), outputs.get() + m_nPatterns, 0.0);
     delete[] m_pInputWeights;
     delete[] m_pOutputWeights;
     delete[] m_pWidths;
@@ -28,10 +33,8 @@ void CVantrelDlg::ResetNetwork() {
     m_pInputWeights = new double[0];
     m_pWidths = new double[0];
     m_pCenters = new double[0];
-    m_pOutputWeights = new double[1];
-    m_pOutputs = new double[m_nPatterns];
-    m_pOutputWeights[0] = 1.0;
-    std::fill(m_pOutputs, m_pOutputs + m_nPatterns, 0.0);
+    m_pOutputWeights = outputWeights.release();
+    m_pOutputs = outputs.release();
 }
 
 void CVantrelDlg::AddUnitAtWorstPattern() {
@@ -112,7 +115,8 @@ double FinishUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
     savedHessian.reset();
     run.finalErrors.Add(error);
     FeedSummaryPlot(dlg, run.finalErrors, static_cast<int>(dlg.m_nUnits / 10 + 1), 2);
-    if (dlg.m_bSaveResults != 0) dlg.WriteErrCorResults(&run.resultPath, dlg.m_nUnits, dlg.m_nIterations, error);
+    const UINT iterations = static_cast<UINT>(run.iterationErrors.GetSize() - 1);  // all of m_nIterations
+    if (dlg.m_bSaveResults != 0) dlg.WriteErrCorResults(&run.resultPath, dlg.m_nUnits, iterations, error);
     return error;
 }
 

@@ -1,5 +1,7 @@
 #include "training/runframe.h"
 
+#include <unistd.h>
+
 #include <new>
 
 #include "platform/clock.h"
@@ -46,8 +48,15 @@ bool BeginRun(RunState& run) {
 }
 
 std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams) {
-    const size_t n = nParams;
-    return std::unique_ptr<double[]>(new double[n * n]);
+    const double n = nParams;
+    // Three n x n blocks live during a damped trial: this one, m_pHessian and m_pHessianInv. The system
+    // promises address space it may not have, and filling blocks beyond the machine's memory would end the
+    // program without a word; so what can't fit is refused here, where the run can still say why.
+    const double bytesNeeded = 3.0 * n * n * sizeof(double);
+    const double bytesPresent = double(sysconf(_SC_PHYS_PAGES)) * double(sysconf(_SC_PAGE_SIZE));
+    if (bytesPresent > 0 && bytesNeeded > bytesPresent) throw std::bad_alloc();
+    const size_t count = size_t(nParams) * nParams;
+    return std::unique_ptr<double[]>(new double[count]);
 }
 
 UINT EndNormally(RunState& run) {
