@@ -47,6 +47,7 @@ struct DcState {
     Kind kind = Kind::None;
     std::shared_ptr<QImage> image;  // memory DC: the selected bitmap's image, null for the stock bitmap
     QWidget* widget = nullptr;      // paint DC
+    QSize clientSize;               // paint DC: the client area, inside the widget's frame
     std::unique_ptr<QPainter> painter;
 
     // What is selected: a copy of each object's values, taken at selection, and the object to hand back

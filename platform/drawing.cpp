@@ -2,6 +2,7 @@
 // drawshapes.cpp and drawtext.cpp.
 #include "platform/drawing.h"
 
+#include <QFrame>
 #include <QWidget>
 #include <algorithm>
 
@@ -24,6 +25,7 @@ void DcState::Reset() {
     painter.reset();
     image.reset();
     widget = nullptr;
+    clientSize = QSize();
     kind = Kind::None;
     pen = stockPen;
     penObject = &stockPen;
@@ -40,7 +42,7 @@ void DcState::Reset() {
 
 raster::Bounds DcState::Surface() const {
     if (kind == Kind::Memory && image) return {0, 0, image->width(), image->height()};
-    if (kind == Kind::Paint && painter && widget) return {0, 0, widget->width(), widget->height()};
+    if (kind == Kind::Paint && painter) return {0, 0, clientSize.width(), clientSize.height()};
     return {};
 }
 
@@ -202,10 +204,16 @@ CPaintDC::CPaintDC(CWnd* window) {
     QWidget* widget = window ? platform::WidgetOf(window) : nullptr;
     // A widget can be painted only from its own paint event; anywhere else this DC draws nothing.
     if (!widget || !widget->testAttribute(Qt::WA_WState_InPaintEvent)) return;
+    // Client coordinates start inside a frame's border, as a window's client area does.
+    QRect client = widget->rect();
+    if (auto* frame = qobject_cast<QFrame*>(widget)) client = frame->contentsRect();
     m_state->widget = widget;
+    m_state->clientSize = client.size();
     m_state->painter = std::make_unique<QPainter>(widget);
     m_state->painter->setRenderHint(QPainter::Antialiasing, false);
     m_state->painter->setRenderHint(QPainter::TextAntialiasing, false);
+    m_state->painter->translate(client.topLeft());
+    m_state->painter->setClipRect(QRect(QPoint(0, 0), client.size()));
 }
 
 CPaintDC::~CPaintDC() { m_state->Reset(); }

@@ -1,5 +1,6 @@
 #include "platform/files.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <climits>
@@ -19,6 +20,9 @@ BOOL CFile::Open(LPCTSTR path, UINT flags) {
     else if (flags & modeWrite)
         mode = "r+b";  // an existing file, kept as it is; writes go where Seek puts them
     m_file = std::fopen(path, mode);
+    // A directory opens for reading on Linux, and its length then reads as garbage: it is no file.
+    struct stat info {};
+    if (m_file != nullptr && (fstat(fileno(m_file), &info) != 0 || S_ISDIR(info.st_mode))) Close();
     return m_file != nullptr ? TRUE : FALSE;
 }
 

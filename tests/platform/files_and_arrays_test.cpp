@@ -44,6 +44,7 @@ TEST(CFileTest, WriteModeDoesNotCreateAMissingFile) {
     CFile file;
     EXPECT_FALSE(file.Open((testing::TempDir() + "no/such/dir/file.txt").c_str(), CFile::modeWrite));
     EXPECT_FALSE(file.Open((testing::TempDir() + "missing_for_write.txt").c_str(), CFile::modeWrite));
+    EXPECT_FALSE(file.Open(testing::TempDir().c_str(), CFile::modeRead)) << "a directory is no file";
 }
 
 TEST(ModuleDirectory, CanBeMovedForAScriptedSessionAndRestored) {
