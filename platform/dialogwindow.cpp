@@ -83,12 +83,7 @@ DialogWindow::DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* p
                             DluToPixelsY(control.cy));
         if (control.kind == ControlKind::ComboBox)  // the template's height is that of the open list
             widget->resize(widget->width(), DluToPixelsY(12) + 2);
-        if (control.kind == ControlKind::Static && !(control.style & SS_SUNKEN) && control.caption != nullptr) {
-            // The stand-in font runs a little wider than the one the rectangles were laid out for: let a
-            // label's text run past its rectangle rather than lose its last letters.
-            const int needed = widget->fontMetrics().horizontalAdvance(QtText(control.caption)) + 1;
-            if (needed > widget->width()) widget->resize(needed, widget->height());
-        }
+        FitCaption(control, widget);
         if (control.style & WS_DISABLED) widget->setEnabled(false);
         if (control.id > 0) {
             m_controls[control.id] = widget;
@@ -120,6 +115,19 @@ void DialogWindow::ComputeBaseUnits() {
     if (m_baseY <= 0) m_baseY = 13;
 }
 
+void DialogWindow::FitCaption(const ControlTemplate& control, QWidget* widget) const {
+    // The stand-in font runs a little wider than the one the rectangles were laid out for: a label, check
+    // box or radio button whose caption overruns by a letter or two grows to show it whole. A rule drawn
+    // wider than its rectangle stays cut at it, as it was meant to be.
+    const bool label = control.kind == ControlKind::Static && !(control.style & SS_SUNKEN);
+    const bool button = control.kind == ControlKind::AutoRadioButton || control.kind == ControlKind::AutoCheckBox;
+    if ((!label && !button) || control.caption == nullptr) return;
+    const int needed = label ? widget->fontMetrics().horizontalAdvance(QtText(control.caption)) + 1
+                             : widget->sizeHint().width();
+    if (needed > widget->width() && needed - widget->width() <= 2 * m_baseX)
+        widget->resize(needed, widget->height());
+}
+
 int DialogWindow::DluToPixelsX(int dlu) const { return (dlu * m_baseX + 2) / 4; }
 int DialogWindow::DluToPixelsY(int dlu) const { return (dlu * m_baseY + 4) / 8; }
 
@@ -136,6 +144,11 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
         case ControlKind::GroupBox: {
             auto* box = new QGroupBox(caption, this);
             box->setAttribute(Qt::WA_TransparentForMouseEvents);
+            // The frame runs through the middle of the caption's line, as desktop group boxes draw it.
+            box->setStyleSheet(QStringLiteral(
+                "QGroupBox { border: 1px solid #a0a0a0; margin-top: %1px; }"
+                "QGroupBox::title { subcontrol-origin: margin; subcontrol-position: top left; left: %2px;"
+                " padding: 0 2px; top: 0px; }").arg(m_baseY / 2).arg(m_baseX));
             return box;
         }
         case ControlKind::Icon: {
@@ -172,6 +185,7 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             list->setVerticalScrollBarPolicy((control.style & WS_VSCROLL) ? Qt::ScrollBarAlwaysOn
                                                                           : Qt::ScrollBarAsNeeded);
             list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+            list->setTextElideMode(Qt::ElideNone);  // a long line is cut at the box's edge
             return list;
         }
         case ControlKind::AutoCheckBox:

@@ -62,6 +62,7 @@ protected:
 
 private:
     void ComputeBaseUnits();
+    void FitCaption(const ControlTemplate& control, QWidget* widget) const;
     QWidget* CreateControl(const ControlTemplate& control);
     void Connect(const ControlTemplate& control, QWidget* widget);
     void CheckRadioInGroup(int id);

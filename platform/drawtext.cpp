@@ -32,6 +32,9 @@ QFont QtFontOf(const CFont& font) {
         }
     QFont result(family);
     result.setStyleHint(hint, QFont::NoAntialias);
+    // Full hinting snaps small glyphs to the pixel grid; without it the point of "1.00" at 7 points
+    // covers no pixel centre and vanishes.
+    result.setHintingPreference(QFont::PreferFullHinting);
     // Tenths of a point at 96 dots per inch, truncated as the API this stands in for does: 110 gives
     // 14 pixels, 100 gives 13, 70 gives 9.
     result.setPixelSize(std::max(1, font.m_pointSizeTenths * 96 / 720));

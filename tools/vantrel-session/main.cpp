@@ -47,6 +47,11 @@ int main(int argc, char** argv) {
 
     // Hidden: the offscreen platform unless a platform was asked for.
     if (std::getenv("QT_QPA_PLATFORM") == nullptr) setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    if (std::getenv("XDG_RUNTIME_DIR") == nullptr) {
+        // Qt wants a private runtime directory; without one it warns on standard error, into the transcript.
+        char runtime[] = "/tmp/vantrel-runtime-XXXXXX";
+        if (mkdtemp(runtime) != nullptr) setenv("XDG_RUNTIME_DIR", runtime, 1);
+    }
     QApplication application(argc, argv);
     QApplication::setApplicationName("Vantrel");
     AfxInitPlatform();
