@@ -96,23 +96,14 @@ void FactorPanel(Factorization& f, int k0, int width) {
     FactorPanel(f, k1, right);
 }
 
-// to = transpose of from, both n x n.
-void Transpose(const double* from, int n, double* to) {
-    const int tile = 32;
-    for (int ib = 0; ib < n; ib += tile)
-        for (int jb = 0; jb < n; jb += tile)
-            for (int i = ib; i < std::min(ib + tile, n); ++i)
-                for (int j = jb; j < std::min(jb + tile, n); ++j)
-                    to[static_cast<size_t>(j) * n + i] = from[static_cast<size_t>(i) * n + j];
-}
-
-void TransposeInPlace(double* a, int n) {
-    const int tile = 32;
-    for (int ib = 0; ib < n; ib += tile)
-        for (int jb = ib; jb < n; jb += tile)
-            for (int i = ib; i < std::min(ib + tile, n); ++i)
-                for (int j = std::max(jb, i + 1); j < std::min(jb + tile, n); ++j)
-                    std::swap(a[static_cast<size_t>(i) * n + j], a[static_cast<size_t>(j) * n + i]);
+// Column swaps of the row pivots, last step first, done row by row to stay within the cache: turns
+// U^-1 L^-1 into U^-1 L^-1 P, the inverse of the matrix that P A = L U describes.
+void SwapColumnsBack(double* a, int n, const int* indx) {
+    for (int i = 0; i < n; ++i) {
+        double* row = a + static_cast<size_t>(i) * n;
+        for (int k = n - 1; k >= 0; --k)
+            if (indx[k] != k) std::swap(row[k], row[indx[k]]);
+    }
 }
 
 }  // namespace
@@ -124,22 +115,24 @@ void FactorLU(double* a, int n, int* indx) {
     FactorPanel(f, 0, n);
 }
 
-bool InvertFromFactors(const double* lu, int n, const int* indx, double* inverse) {
-    if (n <= 0) return true;
-    // A row-major block read column-major is the transpose, so the factors go over transposed and the
-    // inverse comes back the same way. The row swaps at step k are LAPACK's pivots, counted from 1.
-    Transpose(lu, n, inverse);
-    std::vector<lapack_int> ipiv(n);
-    for (int k = 0; k < n; ++k) ipiv[k] = indx[k] + 1;
-    double query = 0.0;
-    // The _work form skips LAPACKE's scan for NaNs: a NaN matrix inverts to NaNs like any other.
-    if (LAPACKE_dgetri_work(LAPACK_COL_MAJOR, n, inverse, n, ipiv.data(), &query, -1) != 0) return false;
-    std::vector<double> work(std::max<size_t>(static_cast<size_t>(query), static_cast<size_t>(n)));
-    const lapack_int info =
-        LAPACKE_dgetri_work(LAPACK_COL_MAJOR, n, inverse, n, ipiv.data(), work.data(), static_cast<lapack_int>(work.size()));
-    if (info != 0) return false;
-    TransposeInPlace(inverse, n);
-    return true;
+void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse) {
+    if (n <= 0) return;
+    // inverse = L: the multipliers, a unit diagonal and zeros above it.
+    for (int i = 0; i < n; ++i) {
+        const double* from = lu + static_cast<size_t>(i) * n;
+        double* row = inverse + static_cast<size_t>(i) * n;
+        std::copy(from, from + i, row);
+        row[i] = 1.0;
+        std::fill(row + i + 1, row + n, 0.0);
+    }
+    // L^-1 in place. A row-major lower triangle is a column-major upper one, and the inverse of the
+    // transpose is the transpose of the inverse, so LAPACK's column-major routine serves without copying.
+    // With a unit diagonal it never meets a zero pivot, and the _work form skips LAPACKE's scan for NaNs:
+    // a NaN matrix inverts to NaNs like any other.
+    LAPACKE_dtrtri_work(LAPACK_COL_MAJOR, 'U', 'U', n, inverse, n);
+    // U^-1 L^-1: each column solved against U, as the plain substitution does it.
+    cblas_dtrsm(CblasRowMajor, CblasLeft, CblasUpper, CblasNoTrans, CblasNonUnit, n, n, 1.0, lu, n, inverse, n);
+    SwapColumnsBack(inverse, n, indx);
 }
 
 }  // namespace kernels

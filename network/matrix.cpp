@@ -16,7 +16,5 @@ void CVantrelDlg::InvertHessian() {
     const int n = static_cast<int>(m_nParams);
     std::vector<int> indx(n);
     LUdcmp(m_pHessian, n, indx.data());
-    if (kernels::InvertFromFactors(m_pHessian, n, indx.data(), m_pHessianInv)) return;
-    // LAPACK refused the factors: solve for each column of the identity instead.
-    reference::InvertFromFactors(m_pHessian, n, indx.data(), m_pHessianInv);
+    kernels::InvertFromFactors(m_pHessian, n, indx.data(), m_pHessianInv);
 }

@@ -2,7 +2,7 @@
 //
 // The workspace members InvertHessian, LUdcmp and LUBackSubstitute (workspace/workspace.h) are defined in
 // matrix.cpp. LUdcmp runs the blocked factorization of kernels.h; InvertHessian forms the inverse from the
-// factors with the optimised LAPACK routine.
+// factors with the triangular kernels there. LUBackSubstitute is the plain one-column solve.
 #pragma once
 
 #include <stdexcept>
