@@ -6,21 +6,25 @@
 #include <vector>
 
 void CString::Format(const char* format, ...) {
+    // Most texts are short read-outs written after every iteration: format into the stack first and touch
+    // the heap only for a longer text.
+    char small[128];
     va_list args;
     va_start(args, format);
     va_list copy;
     va_copy(copy, args);
-    const int needed = std::vsnprintf(nullptr, 0, format, copy);
+    const int needed = std::vsnprintf(small, sizeof small, format, copy);
     va_end(copy);
     if (needed < 0) {
         m_text.clear();
-        va_end(args);
-        return;
+    } else if (static_cast<size_t>(needed) < sizeof small) {
+        m_text.assign(small, static_cast<size_t>(needed));
+    } else {
+        std::vector<char> buffer(static_cast<size_t>(needed) + 1);
+        std::vsnprintf(buffer.data(), buffer.size(), format, args);
+        m_text.assign(buffer.data(), static_cast<size_t>(needed));
     }
-    std::vector<char> buffer(static_cast<size_t>(needed) + 1);
-    std::vsnprintf(buffer.data(), buffer.size(), format, args);
     va_end(args);
-    m_text.assign(buffer.data(), static_cast<size_t>(needed));
 }
 
 int CString::ReverseFind(char ch) const {

@@ -39,12 +39,15 @@ void PostToGui(std::function<void()> operation, const void* coalesceKey) {
     bool postDrain = false;
     {
         std::lock_guard<std::mutex> lock(g_mutex);
-        if (coalesceKey != nullptr) {
-            auto found = g_pendingByKey.find(coalesceKey);
-            if (found != g_pendingByKey.end()) g_pending.erase(found->second);
+        auto found = coalesceKey != nullptr ? g_pendingByKey.find(coalesceKey) : g_pendingByKey.end();
+        if (found != g_pendingByKey.end()) {
+            // The newer operation takes the older one's node, moved to the end: no allocation per read-out.
+            g_pending.splice(g_pending.end(), g_pending, found->second);
+            found->second->run = std::move(operation);
+        } else {
+            g_pending.push_back(Operation{std::move(operation), coalesceKey});
+            if (coalesceKey != nullptr) g_pendingByKey.emplace(coalesceKey, std::prev(g_pending.end()));
         }
-        g_pending.push_back(Operation{std::move(operation), coalesceKey});
-        if (coalesceKey != nullptr) g_pendingByKey[coalesceKey] = std::prev(g_pending.end());
         if (!g_drainPosted) {
             g_drainPosted = true;
             postDrain = true;
