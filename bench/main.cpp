@@ -1,0 +1,21 @@
+// Benchmark entry: the usual console table, then the ratio table of CRatioReporter.
+#include <benchmark/benchmark.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "ratio_reporter.h"
+
+void RegisterNetworkBenchmarks();  // network_bench.cpp
+
+int main(int argc, char** argv) {
+    RegisterNetworkBenchmarks();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+    CRatioReporter reporter(isatty(fileno(stdout)) ? benchmark::ConsoleReporter::OO_Defaults
+                                                   : benchmark::ConsoleReporter::OO_Tabular);
+    benchmark::RunSpecifiedBenchmarks(&reporter);
+    benchmark::Shutdown();
+    return 0;
+}

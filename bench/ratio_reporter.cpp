@@ -1,0 +1,49 @@
+// Ratio table after the benchmark table (see ratio_reporter.h).
+#include "ratio_reporter.h"
+
+#include <cstdio>
+
+void CRatioReporter::ReportRuns(const std::vector<Run>& reports) {
+    ConsoleReporter::ReportRuns(reports);
+    for (const Run& run : reports) {
+        const bool median = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+        if (run.error_occurred || run.iterations == 0 || !(median || run.run_type == Run::RT_Iteration)) continue;
+        // "BM_Accumulate_Fast/101/1000/min_time:0.300/repeats:3/real_time_median"
+        const std::string name = run.benchmark_name();
+        const size_t slash = name.find('/');
+        const std::string head = name.substr(0, slash);
+        const size_t underscore = head.rfind('_');
+        if (head.compare(0, 3, "BM_") != 0 || underscore == std::string::npos || slash == std::string::npos) continue;
+        std::vector<long> shape;
+        for (size_t at = slash + 1; at < name.size();) {
+            const size_t next = std::min(name.find('/', at), name.size());
+            const std::string part = name.substr(at, next - at);
+            if (!part.empty() && part.find_first_not_of("0123456789") == std::string::npos)
+                shape.push_back(std::stol(part));
+            at = next + 1;
+        }
+        m_times[head.substr(3, underscore - 3)][shape][head.substr(underscore + 1)] =
+            run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
+    }
+}
+
+void CRatioReporter::Finalize() {
+    ConsoleReporter::Finalize();
+    std::printf("\n%-12s %-12s %12s %12s %12s %11s %12s\n", "work", "n/patterns", "Fast ms", "Blas ms", "Plain ms",
+                "Fast/Blas", "Plain/Fast");
+    for (const auto& [family, shapes] : m_times) {
+        for (const auto& [shape, variants] : shapes) {
+            std::string label;
+            for (long value : shape) label += (label.empty() ? "" : "/") + std::to_string(value);
+            auto at = [&](const char* variant) {
+                const auto found = variants.find(variant);
+                return found == variants.end() ? 0.0 : found->second;
+            };
+            const double fast = at("Fast"), blas = at("Blas"), plain = at("Plain");
+            std::printf("%-12s %-12s %12.3f %12.3f %12.3f %11.2f %12.1f\n", family.c_str(), label.c_str(),
+                        fast * 1e3, blas * 1e3, plain * 1e3, blas > 0 ? fast / blas : 0.0,
+                        fast > 0 ? plain / fast : 0.0);
+        }
+    }
+    std::fflush(stdout);
+}
