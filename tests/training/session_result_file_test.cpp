@@ -186,7 +186,7 @@ TEST(SessionResultFile, StoppedTrialLeavesNoBlock) {
     SessionDirectory dir;
     int exitCode = -1;
     const std::vector<std::string> transcript =
-        dir.Run(SetUpFromTheFile(3) + "click 1010\nsleep 100\nclick 1010\nwait 60\nenabled 1038\n", exitCode);
+        dir.Run(SetUpFromTheFile(3) + "set 1019 100000000\nclick 1010\nsleep 100\nclick 1010\nwait 60\nenabled 1038\n", exitCode);
     ASSERT_EQ(exitCode, 0) << JoinLines(transcript);
     ASSERT_EQ(transcript, std::vector<std::string>{"enabled 1038: 0"}) << "the run should have been stopped";
     const std::vector<std::string> files = dir.ResultFiles();
