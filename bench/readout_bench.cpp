@@ -1,0 +1,48 @@
+// What the read-outs cost a first-order run: one iteration of a small network, against the two read-outs the
+// worker writes after it (formatted and queued for the window, coalescing with the ones not yet shown).
+#include <benchmark/benchmark.h>
+
+#include <string>
+
+#include "network/samples.h"
+#include "platform/strings.h"
+#include "platform/uiqueue.h"
+#include "training/training.h"
+#include "workspace/workspace.h"
+
+namespace {
+
+// The smallest network a user trains for long: 50 patterns, one input, three units (as the 1-D sample).
+void BM_FirstOrderIteration(benchmark::State& state) {
+    CVantrelDlg dlg;
+    MakeSample(dlg, CSampleShape{50, 1, 3, 3, 7});
+    dlg.m_dLearningConstant = 0.001;
+    dlg.m_dMomentum = 0.5;
+    for (UINT i = 0; i < dlg.m_nParams; ++i) dlg.m_pDelta[i] = 0.0;
+    for (auto _ : state) {
+        dlg.AccumulateGradient();
+        training::ApplyFirstOrderStep(dlg);
+        dlg.UnpackParameters();
+        benchmark::DoNotOptimize(dlg.ComputeError());
+    }
+}
+BENCHMARK(BM_FirstOrderIteration);
+
+// The two texts of edits 1024 and 1025 as a worker queues them while the window has not yet shown the last.
+void BM_TwoReadoutsQueued(benchmark::State& state) {
+    static const int iterationKey = 0;
+    static const int errorKey = 0;
+    unsigned iteration = 0;
+    for (auto _ : state) {
+        ++iteration;
+        CString text;
+        text.Format("%d", iteration);
+        platform::PostToGui([t = text.str()] { benchmark::DoNotOptimize(t.size()); }, &iterationKey);
+        text.Format("%.12f", 0.002607435864 + iteration * 1e-15);
+        platform::PostToGui([t = text.str()] { benchmark::DoNotOptimize(t.size()); }, &errorKey);
+    }
+    platform::DrainGuiQueue();
+}
+BENCHMARK(BM_TwoReadoutsQueued);
+
+}  // namespace
