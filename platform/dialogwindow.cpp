@@ -186,6 +186,7 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
                                                                           : Qt::ScrollBarAsNeeded);
             list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
             list->setTextElideMode(Qt::ElideNone);  // a long line is cut at the box's edge
+            list->setUniformItemSizes(true);         // one line a row: keeps a long list's layout cheap
             return list;
         }
         case ControlKind::AutoCheckBox:

@@ -24,6 +24,18 @@ const char* const kWelcomeLines[] = {
 constexpr UINT kAboutCommand = 0x0010;
 constexpr int kMaxInfoLines = 2000;
 
+// Empties the series of both curve plots, each under its plot's lock.
+void EmptyCurves(CVantrelDlg& dlg) {
+    {
+        auto lock = dlg.m_iterationPlot.SeriesLock();
+        dlg.m_iterationPlot.m_arrX.SetSize(0);
+        dlg.m_iterationPlot.m_arrY.SetSize(0);
+    }
+    auto lock = dlg.m_summaryPlot.SeriesLock();
+    dlg.m_summaryPlot.m_arrX.SetSize(0);
+    dlg.m_summaryPlot.m_arrY.SetSize(0);
+}
+
 }  // namespace
 
 BEGIN_MESSAGE_MAP(CVantrelDlg, CDialog)
@@ -157,16 +169,7 @@ void CVantrelDlg::ApplyAlgorithmRules() {
 }
 
 void CVantrelDlg::OnClearCurves() {
-    {
-        auto lock = m_iterationPlot.SeriesLock();
-        m_iterationPlot.m_arrX.SetSize(0);
-        m_iterationPlot.m_arrY.SetSize(0);
-    }
-    {
-        auto lock = m_summaryPlot.SeriesLock();
-        m_summaryPlot.m_arrX.SetSize(0);
-        m_summaryPlot.m_arrY.SetSize(0);
-    }
+    EmptyCurves(*this);
     m_iterationPlot.Redraw();
     m_summaryPlot.Redraw();
 }
@@ -191,16 +194,7 @@ void CVantrelDlg::OnClose() {
                                   &m_dataPlot.m_arrGridY, &m_dataPlot.m_arrGridValue};
         for (CDoubleArray* s : series) s->SetSize(0);
     }
-    {
-        auto lock = m_iterationPlot.SeriesLock();
-        m_iterationPlot.m_arrX.SetSize(0);
-        m_iterationPlot.m_arrY.SetSize(0);
-    }
-    {
-        auto lock = m_summaryPlot.SeriesLock();
-        m_summaryPlot.m_arrX.SetSize(0);
-        m_summaryPlot.m_arrY.SetSize(0);
-    }
+    EmptyCurves(*this);
     Default();
 }
 

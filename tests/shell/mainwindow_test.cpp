@@ -1,0 +1,69 @@
+// The main dialog's own rules: the information list's limit, the keys that must not end the program, and a
+// close during a run.
+#include <gtest/gtest.h>
+
+#include "network/samples.h"
+#include "platform/dialogwindow.h"
+#include "platform/scripted.h"
+#include "platform/thread.h"
+#include "shell/mainwindow.h"
+
+namespace {
+
+class MainWindow : public ::testing::Test {
+protected:
+    void SetUp() override {
+        AfxSetPromptHook(&m_prompts);
+        ASSERT_TRUE(m_dlg.CreateHidden());
+    }
+    void TearDown() override {
+        m_dlg.m_bTraining = false;
+        AfxWaitForWorkers();
+        AfxSetPromptHook(nullptr);
+    }
+    int InfoLines() { return static_cast<int>(m_dlg.GetDlgItem(1015)->SendMessage(LB_GETCOUNT)); }
+
+    std::vector<std::string> m_printed;
+    CScriptedPrompts m_prompts{[this](const std::string& line) { m_printed.push_back(line); }};
+    CVantrelDlg m_dlg;
+};
+
+TEST_F(MainWindow, TheLine2001ArrivesInAnEmptiedList) {
+    EXPECT_EQ(InfoLines(), 8) << "the welcome lines";
+    while (m_dlg.m_nInfoLines < 2000) m_dlg.AppendInfo("line");
+    EXPECT_EQ(InfoLines(), 2000);
+    m_dlg.AppendInfo("the line after the limit");
+    EXPECT_EQ(InfoLines(), 1);
+    EXPECT_EQ(m_dlg.Window()->Items(1015).front(), "the line after the limit");
+    EXPECT_EQ(m_dlg.Window()->SelectedIndex(1015), 0) << "the newest line is selected";
+}
+
+TEST_F(MainWindow, EnterAndEscDoNotEndTheProgramButTheCloseBoxDoes) {
+    m_dlg.Window()->Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDOK)});
+    m_dlg.Window()->Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDCANCEL)});
+    EXPECT_FALSE(m_dlg.IsEnded());
+    m_dlg.Window()->Deliver(AfxMessage{WM_CLOSE});
+    EXPECT_TRUE(m_dlg.IsEnded());
+    EXPECT_EQ(m_dlg.Result(), IDCANCEL);
+}
+
+TEST_F(MainWindow, ACloseDuringARunStopsAndAwaitsTheWorkerBeforeReleasingAnything) {
+    MakeSample(m_dlg, CSampleShape{200, 2, 20, 3, 5});
+    m_dlg.m_bDataLoaded = true;
+    m_dlg.m_bNetworkReady = true;
+    m_dlg.m_nAlgorithm = 3;
+    m_dlg.m_dlgInitialization.m_nLoadFromFile = 1;  // train the sample network as it stands
+    m_dlg.m_nIterations = 100000000;
+    m_dlg.m_dDesiredError = 0.0;
+    m_dlg.UpdateData(FALSE);
+    m_dlg.OnStartTraining();
+    ASSERT_EQ(AfxRunningWorkers(), 1);
+    m_dlg.Window()->Deliver(AfxMessage{WM_CLOSE});
+    EXPECT_EQ(AfxRunningWorkers(), 0) << "the close returned while the worker still ran";
+    EXPECT_TRUE(m_dlg.IsEnded());
+    EXPECT_EQ(m_dlg.m_pInputs, nullptr);
+    EXPECT_EQ(m_dlg.m_pParams, nullptr);
+    EXPECT_TRUE(m_printed.empty()) << m_printed.front();
+}
+
+}  // namespace
