@@ -183,8 +183,11 @@ void CVantrelDlg::OnOneCurve() { m_nCurveMode = 0; }
 void CVantrelDlg::OnMultipleCurves() { m_nCurveMode = 1; }
 
 void CVantrelDlg::OnClose() {
-    // A run under way is stopped, and awaited, before anything it uses is released.
+    // A run under way is stopped, and awaited, before anything it uses is released. The window stays live
+    // while it waits (the worker may be waiting on a message box), so Start is taken away first: no new run
+    // may begin between the end of this one and the release.
     m_bTraining = false;
+    GetDlgItem(1010)->EnableWindow(FALSE);
     AfxWaitForWorkers();
     ReleaseArrays();
     {
