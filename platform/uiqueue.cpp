@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QThread>
+#include <QTimer>
 #include <future>
 #include <list>
 #include <mutex>
@@ -23,9 +24,18 @@ std::list<Operation> g_pending;
 std::unordered_map<const void*, std::list<Operation>::iterator> g_pendingByKey;
 bool g_drainPosted = false;
 
+// The window takes in what workers queued at most this often: a run that writes its read-outs after every
+// iteration then costs the main thread a few dozen updates a second, not all of its time (and not the core
+// the worker needs).
+constexpr int kDrainIntervalMs = 15;
+
 void PostDrain() {
     QCoreApplication* app = QCoreApplication::instance();
-    if (app != nullptr) QMetaObject::invokeMethod(app, [] { DrainGuiQueue(); }, Qt::QueuedConnection);
+    if (app == nullptr) return;
+    // The timer must be started on the main thread, which has the event loop.
+    QMetaObject::invokeMethod(
+        app, [app] { QTimer::singleShot(kDrainIntervalMs, Qt::PreciseTimer, app, [] { DrainGuiQueue(); }); },
+        Qt::QueuedConnection);
 }
 
 }  // namespace
