@@ -7,6 +7,7 @@
 
 #include "platform/dialogwindow.h"
 #include "platform/prompt.h"
+#include "platform/shared.h"
 #include "platform/window.h"
 
 namespace {
@@ -29,13 +30,14 @@ std::string Trimmed(const std::string& text) {
     dx->Fail();
 }
 
+// The parsers store whole values: a run may be reading the field (see shared.h).
 bool ParseDouble(const std::string& text, double& value) {
     const std::string t = Trimmed(text);
     if (t.empty()) return false;
     char* end = nullptr;
     const double parsed = std::strtod(t.c_str(), &end);
     if (end != t.c_str() + t.size()) return false;
-    value = parsed;
+    AfxWriteShared(value, parsed);
     return true;
 }
 
@@ -46,7 +48,7 @@ bool ParseUnsigned(const std::string& text, UINT& value) {
     errno = 0;
     const unsigned long long parsed = std::strtoull(t.c_str(), &end, 10);
     if (end != t.c_str() + t.size() || errno == ERANGE || parsed > UINT_MAX) return false;
-    value = static_cast<UINT>(parsed);
+    AfxWriteShared(value, static_cast<UINT>(parsed));
     return true;
 }
 
@@ -57,7 +59,7 @@ bool ParseInt(const std::string& text, int& value) {
     errno = 0;
     const long long parsed = std::strtoll(t.c_str(), &end, 10);
     if (end != t.c_str() + t.size() || errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX) return false;
-    value = static_cast<int>(parsed);
+    AfxWriteShared(value, static_cast<int>(parsed));
     return true;
 }
 
@@ -114,9 +116,10 @@ void DDX_Radio(CDataExchange* dx, int id, int& value) {
     if (window == nullptr) return;
     const std::vector<int> group = window->RadioGroupOf(id);
     if (dx->m_bSaveAndValidate) {
-        value = -1;
+        int checked = -1;
         for (size_t i = 0; i < group.size(); ++i)
-            if (window->Send(group[i], BM_GETCHECK, 0, 0) == BST_CHECKED) value = static_cast<int>(i);
+            if (window->Send(group[i], BM_GETCHECK, 0, 0) == BST_CHECKED) checked = static_cast<int>(i);
+        AfxWriteShared(value, checked);
     } else {
         for (size_t i = 0; i < group.size(); ++i)
             window->Send(group[i], BM_SETCHECK, static_cast<int>(i) == value ? BST_CHECKED : BST_UNCHECKED, 0);

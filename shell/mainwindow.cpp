@@ -2,6 +2,7 @@
 #include "shell/mainwindow.h"
 
 #include "platform/drawing.h"
+#include "platform/shared.h"
 #include "platform/thread.h"
 
 namespace {
@@ -80,7 +81,9 @@ void CVantrelDlg::DoDataExchange(CDataExchange* dx) {
     DDX_Text(dx, 1024, m_nCurrentIteration);
     DDX_Text(dx, 1025, m_dPartialError);
     DDX_Text(dx, 1027, m_dPartialTime);
-    DDX_Text(dx, 1023, m_nUnits);
+    // Edit 1023 is read-only and a run writes it after m_nUnits has changed: reading it back could only set
+    // the count of a growing network to a value the window has not caught up with yet.
+    if (!dx->m_bSaveAndValidate) DDX_Text(dx, 1023, m_nUnits);
     DDX_Text(dx, 1026, m_dTotalError);
     DDX_Text(dx, 1028, m_dTotalTime);
     DDX_Text(dx, 1047, m_nTrials);
@@ -178,9 +181,9 @@ void CVantrelDlg::OnShowInfo() { ShowSettings(); }
 
 void CVantrelDlg::OnSaveResults() { m_bSaveResults = m_bSaveResults == 0 ? 1 : 0; }
 
-void CVantrelDlg::OnOneCurve() { m_nCurveMode = 0; }
+void CVantrelDlg::OnOneCurve() { AfxWriteShared(m_nCurveMode, 0); }
 
-void CVantrelDlg::OnMultipleCurves() { m_nCurveMode = 1; }
+void CVantrelDlg::OnMultipleCurves() { AfxWriteShared(m_nCurveMode, 1); }
 
 void CVantrelDlg::OnClose() {
     // A run under way is stopped, and awaited, before anything it uses is released. The window stays live

@@ -47,6 +47,17 @@ TEST_F(MainWindow, EnterAndEscDoNotEndTheProgramButTheCloseBoxDoes) {
     EXPECT_EQ(m_dlg.Result(), IDCANCEL);
 }
 
+TEST_F(MainWindow, TheUnitCountIsShownButNeverReadBackFromItsReadOnlyEdit) {
+    // A run writes edit 1023 after it has grown the network; a Stop's UpdateData must not set the count back
+    // to what the window showed a moment earlier.
+    m_dlg.m_nUnits = 3;
+    m_dlg.UpdateData(FALSE);
+    EXPECT_EQ(m_dlg.Window()->Text(1023), "3");
+    m_dlg.GetDlgItem(1023)->SetWindowText("2");
+    m_dlg.UpdateData(TRUE);
+    EXPECT_EQ(m_dlg.m_nUnits, 3u);
+}
+
 TEST_F(MainWindow, ACloseDuringARunStopsAndAwaitsTheWorkerBeforeReleasingAnything) {
     MakeSample(m_dlg, CSampleShape{200, 2, 20, 3, 5});
     m_dlg.m_bDataLoaded = true;
