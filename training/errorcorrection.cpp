@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/clock.h"
+#include "platform/shared.h"
 #include "training/runframe.h"
 #include "training/training.h"
 
@@ -85,7 +86,7 @@ bool TrainNewUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
     run.iterationErrors.Add(dlg.ComputeOutputs());
     const DWORD startTick = GetTickCount();
 
-    for (UINT iteration = 1; iteration <= dlg.m_nIterations; ++iteration) {
+    for (UINT iteration = 1; iteration <= AfxReadShared(dlg.m_nIterations); ++iteration) {
         if (!dlg.m_bTraining) return false;
         run.iteration = iteration;
         const int i = run.iterationErrors.Add(0.0);
@@ -107,7 +108,7 @@ bool TrainNewUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
 double FinishUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
     CVantrelDlg& dlg = run.dlg;
     // Multiple Curves can't be chosen with this algorithm; any other mode draws nothing.
-    if (dlg.m_nCurveMode == 0) FeedIterationPlot(dlg, run.iterationErrors, true, 2);
+    if (AfxReadShared(dlg.m_nCurveMode) == 0) FeedIterationPlot(dlg, run.iterationErrors, true, 2);
     const double error = dlg.ComputeOutputs();
     WriteNumber(dlg, kAverageErrorEdit, "%.12f", error);
     if (dlg.m_bClassification) FeedDataPlot(dlg);
@@ -152,7 +153,7 @@ UINT TrainByErrorCorrection(void* pParam) {
                 return EndStopped(run);
             }
             const double error = FinishUnit(run, savedHessian);
-            if (!(error >= dlg.m_dDesiredError)) break;  // below the goal, or NaN
+            if (!(error >= AfxReadShared(dlg.m_dDesiredError))) break;  // below the goal, or NaN
         }
     } catch (const std::exception& failure) {
         // A NaN network meets the singular-matrix exception at its next inversion; end like a stop, with a

@@ -1,5 +1,6 @@
 // The loop of trials of the four methods with a fixed number of units.
 #include "platform/clock.h"
+#include "platform/shared.h"
 #include "training/runframe.h"
 
 namespace training {
@@ -19,14 +20,14 @@ void StartTrial(RunState& run, CTrialMethod& method) {
 // user pressed Stop.
 bool IterateTrial(RunState& run, CTrialMethod& method) {
     CVantrelDlg& dlg = run.dlg;
-    for (UINT iteration = 1; iteration <= dlg.m_nIterations; ++iteration) {
+    for (UINT iteration = 1; iteration <= AfxReadShared(dlg.m_nIterations); ++iteration) {
         if (!dlg.m_bTraining) return false;
         run.iteration = iteration;
         const int i = run.iterationErrors.Add(0.0);
         const double error = method.Iterate(dlg, run.iterationErrors.GetAt(i - 1));
         run.iterationErrors.SetAt(i, error);
         WriteIterationReadouts(dlg, iteration, error);
-        if (!(error >= dlg.m_dDesiredError)) break;
+        if (!(error >= AfxReadShared(dlg.m_dDesiredError))) break;
     }
     return true;
 }
@@ -39,7 +40,7 @@ void FinishTrial(RunState& run, CTrialMethod& method, UINT trial, DWORD startTic
     run.totalTime += seconds;
     WriteNumber(dlg, kAverageTimeEdit, "%.3f", run.totalTime / (trial + 1.0));
 
-    const bool oneCurve = dlg.m_nCurveMode == 0;
+    const bool oneCurve = AfxReadShared(dlg.m_nCurveMode) == 0;
     FeedIterationPlot(dlg, run.iterationErrors, oneCurve, oneCurve ? 0 : 1);
     if (dlg.m_bClassification) FeedDataPlot(dlg);
     method.EndTrial();
@@ -61,7 +62,7 @@ UINT RunTrials(CVantrelDlg& dlg, CTrialMethod& method) {
     if (!BeginRun(run)) return 1;
     try {
         // m_nTrials is read at every test: an edit made during the run takes effect at once.
-        for (UINT trial = 0; trial < dlg.m_nTrials; ++trial) {
+        for (UINT trial = 0; trial < AfxReadShared(dlg.m_nTrials); ++trial) {
             StartTrial(run, method);
             const DWORD startTick = GetTickCount();
             if (!IterateTrial(run, method)) {
