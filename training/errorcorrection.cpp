@@ -4,6 +4,7 @@
 
 #include "platform/clock.h"
 #include "platform/shared.h"
+#include "platform/uiqueue.h"
 #include "training/runframe.h"
 #include "training/training.h"
 
@@ -21,6 +22,7 @@ std::unique_ptr<double[]> GrownCopy(const double* old, size_t oldCount, size_t n
 
 void CVantrelDlg::ResetNetwork() {
     // The new blocks come first, so that a failed allocation leaves the old network whole.
+    std::unique_ptr<double[]> inputWeights(new double[0]), widths(new double[0]), centers(new double[0]);
     std::unique_ptr<double[]> outputWeights(new double[1]);
     std::unique_ptr<double[]> outputs(new double[m_nPatterns]);
     outputWeights[0] = 1.0;
@@ -30,12 +32,12 @@ void CVantrelDlg::ResetNetwork() {
     delete[] m_pWidths;
     delete[] m_pCenters;
     delete[] m_pOutputs;
-    m_nUnits = 0;
-    m_pInputWeights = new double[0];
-    m_pWidths = new double[0];
-    m_pCenters = new double[0];
+    m_pInputWeights = inputWeights.release();
+    m_pWidths = widths.release();
+    m_pCenters = centers.release();
     m_pOutputWeights = outputWeights.release();
     m_pOutputs = outputs.release();
+    m_nUnits = 0;
 }
 
 void CVantrelDlg::AddUnitAtWorstPattern() {
@@ -78,6 +80,7 @@ const DampedStepOps kErrorCorrectionOps{[](CVantrelDlg& dlg) { dlg.AccumulateSec
 // desired error within a unit. false: the user pressed Stop.
 bool TrainNewUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
     CVantrelDlg& dlg = run.dlg;
+    run.iteration = 0;
     run.iterationErrors.SetSize(0);
     dlg.AddUnitAtWorstPattern();
     double damping = kInitialDamping;
@@ -117,20 +120,26 @@ double FinishUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
     run.finalErrors.Add(error);
     FeedSummaryPlot(dlg, run.finalErrors, static_cast<int>(dlg.m_nUnits / 10 + 1), 2);
     const UINT iterations = static_cast<UINT>(run.iterationErrors.GetSize() - 1);  // all of m_nIterations
-    if (dlg.m_bSaveResults != 0) dlg.WriteErrCorResults(&run.resultPath, dlg.m_nUnits, iterations, error);
+    if (AfxReadShared(dlg.m_bSaveResults) != 0)
+        dlg.WriteErrCorResults(&run.resultPath, dlg.m_nUnits, iterations, error);
     return error;
 }
 
-// The normal end of this algorithm also opens Online Training, and ends an online run.
+// The normal end of this algorithm also opens Online Training, and ends an online run. It runs whole on the
+// window's thread: once Start Training shows, a click may start the next run or arm online training at once,
+// and neither may find m_bOnline and m_bNetworkReady of the run before; nor may an exchange of the edits take
+// the still checked box back into m_bOnline.
 UINT EndErrorCorrection(RunState& run) {
     CVantrelDlg& dlg = run.dlg;
-    EndNormally(run);
-    EnableItems(dlg, {kOnlineTraining});
-    if (dlg.m_bOnline != 0) {
-        dlg.m_bOnline = 0;
-        dlg.m_bNetworkReady = false;
-        dlg.GetDlgItem(kOnlineTraining)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
-    }
+    platform::CallOnGui([&] {
+        EndNormally(run);
+        EnableItems(dlg, {kOnlineTraining});
+        if (dlg.m_bOnline != 0) {
+            dlg.m_bOnline = 0;
+            dlg.m_bNetworkReady = false;
+            dlg.GetDlgItem(kOnlineTraining)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+        }
+    });
     return 0;
 }
 
@@ -145,7 +154,7 @@ UINT TrainByErrorCorrection(void* pParam) {
     std::unique_ptr<double[]> savedHessian;
     try {
         // Online, the units already trained stay; their outputs decide where the first new unit goes.
-        if (dlg.m_bOnline == 0) dlg.ResetNetwork();
+        if (AfxReadShared(dlg.m_bOnline) == 0) dlg.ResetNetwork();
         else dlg.ComputeOutputs();
         for (UINT k = 0; k < dlg.m_nMaxUnits; ++k) {
             if (!TrainNewUnit(run, savedHessian)) {
@@ -155,11 +164,11 @@ UINT TrainByErrorCorrection(void* pParam) {
             const double error = FinishUnit(run, savedHessian);
             if (!(error >= AfxReadShared(dlg.m_dDesiredError))) break;  // below the goal, or NaN
         }
-    } catch (const std::exception& failure) {
+    } catch (...) {
         // A NaN network meets the singular-matrix exception at its next inversion; end like a stop, with a
         // message, and keep the network and online state as they are.
         savedHessian.reset();
-        return EndAfterFailure(run, FailureMessage(failure, run));
+        return EndAfterFailure(run, FailureMessage(run));
     }
     return EndErrorCorrection(run);
 }

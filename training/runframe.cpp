@@ -2,9 +2,8 @@
 
 #include <unistd.h>
 
-#include <new>
-
 #include "platform/clock.h"
+#include "platform/shared.h"
 
 namespace training {
 
@@ -40,7 +39,7 @@ bool BeginRun(RunState& run) {
         EndAfterFailure(run, "The data set has no patterns or no inputs: load another data set before training.");
         return false;
     }
-    if (dlg.m_bSaveResults != 0 && !dlg.CreateResultFile(&run.resultPath)) {
+    if (AfxReadShared(dlg.m_bSaveResults) != 0 && !dlg.CreateResultFile(&run.resultPath)) {
         EndAfterFailure(run, "Create Result File Failed!");
         return false;
     }
@@ -54,9 +53,12 @@ std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams) {
     // program without a word; so what can't fit is refused here, where the run can still say why.
     const double bytesNeeded = 3.0 * n * n * sizeof(double);
     const double bytesPresent = double(sysconf(_SC_PHYS_PAGES)) * double(sysconf(_SC_PAGE_SIZE));
-    if (bytesPresent > 0 && bytesNeeded > bytesPresent) throw std::bad_alloc();
-    const size_t count = size_t(nParams) * nParams;
-    return std::unique_ptr<double[]>(new double[count]);
+    if (bytesPresent > 0 && bytesNeeded > bytesPresent) throw CQuasiHessianTooLarge();
+    try {
+        return std::unique_ptr<double[]>(new double[size_t(nParams) * nParams]);
+    } catch (const std::bad_alloc&) {
+        throw CQuasiHessianTooLarge();
+    }
 }
 
 UINT EndNormally(RunState& run) {
@@ -89,17 +91,24 @@ UINT EndAfterFailure(RunState& run, const CString& message) {
     return 1;
 }
 
-CString FailureMessage(const std::exception& failure, const RunState& run) {
+CString FailureMessage(const RunState& run) {
     CString message;
-    if (dynamic_cast<const std::bad_alloc*>(&failure) != nullptr)
+    try {
+        throw;
+    } catch (const CQuasiHessianTooLarge&) {
         message.Format("Not enough memory for the quasi-Hessian of %u parameters: training stopped.",
                        run.dlg.m_nParams);
-    else
+    } catch (const std::bad_alloc&) {
+        message.Format("Not enough memory: training stopped at iteration %u.", run.iteration);
+    } catch (const std::exception& failure) {
         // In practice the singular matrix of the inversion: a quasi-Hessian with a positive damping value
         // has no zero row, so a row without magnitude means that the network has turned to NaN.
         message.Format("Training stopped at iteration %u: %s.\n"
                        "The network can't be trained further from its present values; initialize it again.",
                        run.iteration, failure.what());
+    } catch (...) {
+        message.Format("Training stopped at iteration %u by an unknown failure.", run.iteration);
+    }
     return message;
 }
 

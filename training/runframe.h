@@ -2,9 +2,9 @@
 // loop of trials of the methods with a fixed number of units, and the ways a run ends.
 #pragma once
 
-#include <exception>
 #include <initializer_list>
 #include <memory>
+#include <new>
 
 #include "workspace/workspace.h"
 
@@ -34,7 +34,7 @@ struct RunState {
     CString resultPath;
     double totalTime = 0.0;        // sum of the trials' or units' times
     double errorSum = 0.0;         // sum of the trials' final errors
-    UINT iteration = 0;            // the iteration under way, for a failure message
+    UINT iteration = 0;            // the iteration under way (0 before the first), for a failure message
 };
 
 // Control operations from the worker: queued to the window's thread, never waited for. Without a window
@@ -51,7 +51,9 @@ double SecondsSince(DWORD startTick);
 // false the run has already ended (EndAfterFailure) and must return 1.
 bool BeginRun(RunState& run);
 
-// The saved quasi-Hessian of the damped methods; throws std::bad_alloc when it does not fit.
+// The saved quasi-Hessian of the damped methods; throws CQuasiHessianTooLarge when it does not fit, so that
+// the message can tell it from other memory that ran out.
+class CQuasiHessianTooLarge : public std::bad_alloc {};
 std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams);
 
 // Feeding the plots. Each rebuilds its plot's series under the plot's lock and refreshes after releasing it.
@@ -67,8 +69,9 @@ UINT EndStopped(RunState& run);   // 1; Verification stays disabled
 // Shows message under "Error" and ends without touching the network any further: clears m_bTraining and
 // enables 1009, 1014, 1064, 1055. 1.
 UINT EndAfterFailure(RunState& run, const CString& message);
-// The message for an exception that ended a run in mid-iteration.
-CString FailureMessage(const std::exception& failure, const RunState& run);
+// The message for the exception that ended a run; to be called inside the catch block. A worker is a thread
+// of its own, and whatever escaped it would end the program, so the runs catch everything.
+CString FailureMessage(const RunState& run);
 
 // A method of a fixed number of units, as the loop of trials drives it.
 class CTrialMethod {

@@ -9,6 +9,7 @@ namespace {
 // Draws or keeps the network by the trial rule, packs it and records its initial error as element 0.
 void StartTrial(RunState& run, CTrialMethod& method) {
     CVantrelDlg& dlg = run.dlg;
+    run.iteration = 0;
     if (dlg.m_dlgInitialization.m_nLoadFromFile == 0) dlg.InitializeNetwork();
     run.iterationErrors.SetSize(0);
     dlg.PackParameters();
@@ -52,7 +53,8 @@ void FinishTrial(RunState& run, CTrialMethod& method, UINT trial, DWORD startTic
     WriteNumber(dlg, kAverageErrorEdit, "%.12f", run.errorSum / (trial + 1.0));
     FeedSummaryPlot(dlg, run.finalErrors, static_cast<int>(trial / 10 + 1), 0);
 
-    if (dlg.m_bSaveResults != 0) dlg.WriteRunResults(&run.resultPath, dlg.m_nUnits, static_cast<UINT>(last), error);
+    if (AfxReadShared(dlg.m_bSaveResults) != 0)
+        dlg.WriteRunResults(&run.resultPath, dlg.m_nUnits, static_cast<UINT>(last), error);
 }
 
 }  // namespace
@@ -71,11 +73,11 @@ UINT RunTrials(CVantrelDlg& dlg, CTrialMethod& method) {
             }
             FinishTrial(run, method, trial, startTick);
         }
-    } catch (const std::exception& failure) {
+    } catch (...) {
         // A singular quasi-Hessian (a network gone NaN) or memory that isn't there: end like a stop, with a
         // message, and leave the network as the last try made it.
         method.EndTrial();
-        return EndAfterFailure(run, FailureMessage(failure, run));
+        return EndAfterFailure(run, FailureMessage(run));
     }
     return EndNormally(run);
 }

@@ -1,8 +1,11 @@
 // The Error Correction Algorithm on the hidden main dialog: where units go, one result block per unit, the
 // end of an online run, and a network gone NaN.
+#include <chrono>
 #include <cmath>
 #include <limits>
+#include <thread>
 
+#include "platform/thread.h"
 #include "run_fixture.h"
 
 namespace {
@@ -44,6 +47,7 @@ TEST_F(TrainingRun, ErrorCorrectionRunWritesOneBlockPerUnitUpToTheMaximum) {
     EXPECT_LT(text.find("units: 1\r\n"), text.find("units: 2\r\n"));
 
     EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrY).size(), 5u) << "the curve of the last unit, from its start";
+    EXPECT_EQ(m_dlg.m_iterationPlot.m_nMode, 2) << "the unit's curve is drawn with the y axis fitted to it";
     const std::vector<double> finals = Curve(m_dlg.m_summaryPlot.m_arrY);
     ASSERT_EQ(finals.size(), 3u);
     CString last;
@@ -61,28 +65,66 @@ TEST_F(TrainingRun, FinalErrorBelowTheGoalEndsTheRunEarly) {
     m_dlg.m_nIterations = 3;
     m_dlg.m_dDesiredError = 0.5;  // the bias of 1.0 with the first unit is already near the targets
     m_dlg.m_bSaveResults = 1;
+    m_dlg.m_nCurveMode = 1;  // no curve of this algorithm in any other mode than One Curve
+    m_dlg.m_iterationPlot.m_arrX.Add(1.0);
+    m_dlg.m_iterationPlot.m_arrY.Add(0.25);
     ASSERT_EQ(Run(TrainByErrorCorrection), 0u);
     EXPECT_EQ(m_dlg.m_nUnits, 1u);
     EXPECT_EQ(Count(ResultText(), "number of RBF units"), 1);
+    EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrY), std::vector<double>{0.25}) << "Multiple Curves must draw nothing";
 }
 
-TEST_F(TrainingRun, OnlineRunKeepsItsUnitsAndEndsOnlineTraining) {
+// The online run goes on a worker. The window takes in a worker's control operations every few milliseconds,
+// and an exchange of the edits in that time (Stop, Show Info) reads the Online Training box as the run found
+// it, checked; the end of the online run must leave box and m_bOnline off all the same.
+TEST_F(TrainingRun, OnlineRunKeepsItsUnitsAndEndsOnlineTrainingAlsoWhenTheWindowLagsBehind) {
     LoadPatterns({{0.0, 0.2}, {0.5, 0.9}, {1.0, 0.6}, {1.5, -0.3}});
-    m_dlg.m_nMaxUnits = 2;
-    m_dlg.m_nIterations = 3;
+    m_dlg.m_nAlgorithm = 2;
+    m_dlg.m_nMaxUnits = 10;
+    m_dlg.m_nIterations = 1;
     m_dlg.m_dDesiredError = 0.0;
     ASSERT_EQ(Run(TrainByErrorCorrection), 0u);
 
     m_dlg.m_bOnline = 1;
     m_dlg.m_bNetworkReady = true;
-    m_dlg.GetDlgItem(1048)->SendMessage(BM_SETCHECK, BST_CHECKED);
     m_dlg.m_nMaxUnits = 1;
-    ASSERT_EQ(Run(TrainByErrorCorrection), 0u);
-    EXPECT_EQ(m_dlg.m_nUnits, 3u) << "online, the units already there stay";
+    m_dlg.UpdateData(FALSE);
+    m_dlg.OnStartTraining();
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));  // the run goes on; the window takes in nothing
+    m_dlg.UpdateData(TRUE);
+    ASSERT_TRUE(platform::PumpUntilWorkersDone(10000));
+    EXPECT_EQ(m_dlg.m_nUnits, 11u) << "online, the units already there stay";
     EXPECT_EQ(m_dlg.m_bOnline, 0);
     EXPECT_FALSE(m_dlg.m_bNetworkReady);
     EXPECT_EQ(m_dlg.GetDlgItem(1048)->SendMessage(BM_GETCHECK), BST_UNCHECKED);
+    EXPECT_EQ(Text(1010), "Start Training");
+    ExpectEnabled({1009, 1014, 1064, 1055, 1038, 1048}, true);
     EXPECT_EQ(Curve(m_dlg.m_summaryPlot.m_arrX), std::vector<double>{1.0}) << "x counts the units of this run";
+    EXPECT_EQ(m_dlg.m_summaryPlot.m_nMultiplier, 2) << "the multiplier counts all 11 units of the network";
+}
+
+TEST_F(TrainingRun, StoppedUnitStaysInTheNetworkWithoutABlockAndVerificationStaysOff) {
+    LoadPatterns({{0.0, 0.2}, {0.5, 0.9}, {1.0, 0.6}, {1.5, -0.3}});
+    m_dlg.m_nAlgorithm = 2;
+    m_dlg.m_bNetworkReady = true;
+    m_dlg.m_nMaxUnits = 3;
+    m_dlg.m_nIterations = 4000000000u;
+    m_dlg.m_dDesiredError = 0.0;
+    m_dlg.m_bSaveResults = 1;
+    m_dlg.UpdateData(FALSE);
+    m_dlg.OnStartTraining();
+    platform::PumpFor(200);
+    m_dlg.OnStartTraining();  // Stop
+    ASSERT_TRUE(platform::PumpUntilWorkersDone(10000)) << "the run did not notice Stop";
+    EXPECT_EQ(m_dlg.m_nUnits, 1u) << "the unit in training stays in the network";
+    EXPECT_EQ(Text(1023), "1");
+    EXPECT_EQ(ResultText(), "") << "the unit in training gets no block";
+    EXPECT_EQ(m_dlg.m_iterationPlot.m_arrY.GetSize(), 0) << "a stopped unit gets no curve";
+    EXPECT_EQ(Text(1010), "Start Training");
+    ExpectEnabled({1009, 1014, 1064, 1055}, true);
+    ExpectEnabled({1038, 1048}, false);
+    EXPECT_TRUE(m_dlg.m_bNetworkReady);
+    EXPECT_FALSE(m_dlg.m_bTraining);
 }
 
 // A NaN desired output turns the network to NaN in the first iteration; the second iteration's inversion then

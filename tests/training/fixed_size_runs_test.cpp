@@ -1,12 +1,27 @@
 // Whole runs of the four methods with a fixed number of units on the hidden main dialog: stopping tests, the
 // trial's read-outs, curves and result blocks, Stop, and the ways a run fails.
 #include <cmath>
+#include <functional>
 #include <limits>
+#include <new>
 
 #include "platform/thread.h"
 #include "run_fixture.h"
+#include "training/runframe.h"
 
 namespace {
+
+// A method whose iterations give scripted errors and may act between them as the window would.
+class CScriptedMethod : public training::CTrialMethod {
+public:
+    explicit CScriptedMethod(std::function<double(CVantrelDlg&, int)> iterate) : m_iterate(std::move(iterate)) {}
+    void BeginTrial(CVantrelDlg&) override {}
+    double Iterate(CVantrelDlg& dlg, double) override { return m_iterate(dlg, ++calls); }
+    int calls = 0;
+
+private:
+    std::function<double(CVantrelDlg&, int)> m_iterate;
+};
 
 TEST_F(TrainingRun, TrialReachingTheGoalAtIterationSevenHasEightErrorsAndReportsSeven) {
     LoadSmallProblem();
@@ -74,6 +89,89 @@ TEST_F(TrainingRun, TrialsFeedTheSummaryAndOneOrMultipleCurves) {
     m_dlg.m_nTrials = 2;
     Run(TrainImprovedFirstOrder);
     EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrX).size(), 3u) << "One Curve must show the last trial only";
+}
+
+// Edits 1019, 1020, 1047 and the curve radios stay live during a run: what an exchange of the edits writes
+// counts at the run's next test.
+TEST_F(TrainingRun, SettingsChangedDuringARunTakeEffectAtTheirNextTest) {
+    LoadSmallProblem();
+    m_dlg.m_nIterations = 100;
+    m_dlg.m_dDesiredError = 0.0;
+    CScriptedMethod method([](CVantrelDlg& dlg, int call) {
+        if (call == 3) {
+            dlg.m_nIterations = 5;
+            dlg.m_nTrials = 2;
+            dlg.m_nCurveMode = 1;
+        }
+        if (call == 7) dlg.m_dDesiredError = 1.0;
+        return 0.5;
+    });
+    m_dlg.m_bTraining = true;
+    ASSERT_EQ(training::RunTrials(m_dlg, method), 0u);
+    EXPECT_EQ(method.calls, 7) << "5 iterations in the first trial, then a second trial ending below the new goal";
+    EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrX), (std::vector<double>{1, 2, 3, 4, 5, 6, 1, 2, 3}))
+        << "both trials must end in Multiple Curves mode";
+    EXPECT_EQ(Curve(m_dlg.m_summaryPlot.m_arrY).size(), 2u);
+}
+
+// A worker is a thread of its own: whatever escaped it would end the program.
+TEST_F(TrainingRun, AnyFailureDuringATrialEndsTheRunWithAMessageOfItsOwn) {
+    LoadSmallProblem();
+    CScriptedMethod outOfMemory([](CVantrelDlg&, int call) {
+        if (call == 2) throw std::bad_alloc();
+        return 0.5;
+    });
+    m_dlg.m_bTraining = true;
+    EXPECT_EQ(training::RunTrials(m_dlg, outOfMemory), 1u);
+    CScriptedMethod unknown([](CVantrelDlg&, int) -> double { throw 42; });
+    m_dlg.m_bTraining = true;
+    EXPECT_EQ(training::RunTrials(m_dlg, unknown), 1u);
+
+    ASSERT_EQ(Boxes().size(), 2u);
+    EXPECT_EQ(Boxes()[0], "box Error [stop]: Not enough memory: training stopped at iteration 2.")
+        << "only the refused quasi-Hessian speaks of the quasi-Hessian";
+    EXPECT_EQ(Boxes()[1], "box Error [stop]: Training stopped at iteration 1 by an unknown failure.");
+    EXPECT_FALSE(m_dlg.m_bTraining);
+    EXPECT_EQ(Text(1010), "Start Training");
+    ExpectEnabled({1009, 1014, 1064, 1055}, true);
+    EXPECT_FALSE(Enabled(1038));
+}
+
+// All patterns have the input 0.5, so every center drawn from them is 0.5 and, with weights and widths
+// fixed, every draw gives one and the same network: output 0.3 + 2 x 0.3 at each pattern.
+TEST_F(TrainingRun, ManualInitializationDrawsAnewForEveryTrialAndZeroIterationsOrTrialsEndNormally) {
+    LoadPatterns({{0.5, 0.2}, {0.5, 0.9}, {0.5, 0.4}});
+    SetNetwork({1, 1}, {1, 1, 1}, {1, 1}, {0.5, 0.5});
+    m_dlg.m_dlgInitialization.m_nLoadFromFile = 0;
+    m_dlg.m_dlgInitialization.m_nCenterMode = 1;
+    m_dlg.m_dlgInitialization.m_dOutputWeightFixed = 0.3;
+    const double drawnError = (0.7 * 0.7 + 0.0 + 0.5 * 0.5) / 3;
+    m_dlg.m_nIterations = 20;
+    m_dlg.m_nTrials = 3;
+    m_dlg.m_dDesiredError = 0.0;
+    m_dlg.m_dLearningConstant = 0.05;
+    ASSERT_EQ(Run(TrainFirstOrder), 0u);
+    EXPECT_NEAR(Curve(m_dlg.m_iterationPlot.m_arrY).at(0), drawnError, 1e-12) << "the trial must start from the draw";
+    const std::vector<double> finals = Curve(m_dlg.m_summaryPlot.m_arrY);
+    ASSERT_EQ(finals.size(), 3u);
+    EXPECT_LT(finals[0], drawnError);
+    EXPECT_EQ(finals[1], finals[0]) << "a trial must start from a new draw, not from where the last one ended";
+    EXPECT_EQ(finals[2], finals[0]);
+
+    m_dlg.m_nIterations = 0;  // the initial error, reported with 0 iterations
+    m_dlg.m_nTrials = 1;
+    m_dlg.m_bSaveResults = 1;
+    ASSERT_EQ(Run(TrainSecondOrder), 0u);
+    ASSERT_EQ(Curve(m_dlg.m_iterationPlot.m_arrY).size(), 1u);
+    EXPECT_NEAR(Curve(m_dlg.m_iterationPlot.m_arrY)[0], drawnError, 1e-12);
+    EXPECT_NE(ResultText().find("total iterations: 0, "), std::string::npos) << ResultText();
+
+    m_dlg.m_nTrials = 0;
+    m_dlg.m_bSaveResults = 0;
+    ASSERT_EQ(Run(TrainFirstOrder), 0u);
+    EXPECT_EQ(Curve(m_dlg.m_summaryPlot.m_arrY).size(), 1u) << "no trial: the summary stays as it was";
+    ExpectEnabled({1009, 1014, 1064, 1055, 1038}, true);
+    EXPECT_FALSE(m_dlg.m_bTraining);
 }
 
 TEST_F(TrainingRun, ClassificationTrialSweepsTheGridThreeStepsBeyondThePatterns) {
