@@ -107,7 +107,7 @@ void DDX_Text(CDataExchange* dx, int id, CString& value) {
 void DDX_Check(CDataExchange* dx, int id, int& value) {
     platform::DialogWindow* window = WindowWith(dx, id);
     if (window == nullptr) return;
-    if (dx->m_bSaveAndValidate) value = window->Send(id, BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0;
+    if (dx->m_bSaveAndValidate) AfxWriteShared(value, window->Send(id, BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0);
     else window->Send(id, BM_SETCHECK, value != 0 ? BST_CHECKED : BST_UNCHECKED, 0);
 }
 

@@ -1,6 +1,7 @@
 #include "platform/thread.h"
 
 #include <atomic>
+#include <system_error>
 #include <thread>
 
 namespace {
@@ -13,10 +14,15 @@ CWorkerThread g_threadObject;  // the returned object is not kept by callers; on
 
 CWinThread* AfxBeginThread(AFX_THREADPROC proc, void* param, int, UINT, DWORD, void*) {
     ++g_running;
-    std::thread([proc, param] {
-        proc(param);
-        --g_running;
-    }).detach();
+    try {
+        std::thread([proc, param] {
+            proc(param);
+            --g_running;
+        }).detach();
+    } catch (const std::system_error&) {
+        --g_running;  // no thread: nothing to wait for
+        return nullptr;
+    }
     return &g_threadObject;
 }
 

@@ -12,7 +12,8 @@ public:
 
 // Starts proc(param) on a new thread. The thread runs detached from the caller, as the framework's does;
 // AfxWaitForWorkers lets the window wait for it before releasing what the worker uses.
-// Priority, stack size and flags are accepted for the call's shape and ignored.
+// Priority, stack size and flags are accepted for the call's shape and ignored. Returns null when the system
+// has no thread to give.
 CWinThread* AfxBeginThread(AFX_THREADPROC proc, void* param, int priority = 0, UINT stackSize = 0,
                            DWORD flags = 0, void* security = nullptr);
 

@@ -77,6 +77,8 @@ void CallOnGui(const std::function<void()>& operation) {
         operation();
         done.set_value();
     });
+    // A caller that waits is not kept waiting for the window's next regular pass.
+    QMetaObject::invokeMethod(QCoreApplication::instance(), [] { DrainGuiQueue(); }, Qt::QueuedConnection);
     finished.wait();
 }
 
@@ -100,7 +102,7 @@ bool PumpUntilWorkersDone(int timeoutMs) {
     QElapsedTimer timer;
     timer.start();
     for (;;) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        if (QCoreApplication::instance() != nullptr) QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
         DrainGuiQueue();
         if (AfxRunningWorkers() == 0 && GuiQueueEmpty()) return true;
         if (timeoutMs >= 0 && timer.elapsed() >= timeoutMs) return false;

@@ -36,7 +36,13 @@ void CVantrelDlg::OnStartTraining() {
         m_bTraining = true;
         SetItemText(*this, kStartButton, "Stop Training");
         EnableItems(*this, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults, kVerification}, FALSE);
-        AfxBeginThread(run, this, 0, 0, 0, nullptr);
+        if (AfxBeginThread(run, this, 0, 0, 0, nullptr) == nullptr) {
+            // No thread to be had: give back what Start took, as a run that could not begin.
+            m_bTraining = false;
+            SetItemText(*this, kStartButton, "Start Training");
+            EnableItems(*this, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults}, TRUE);
+            MessageBox("The system could not start the training thread.", "Error", MB_ICONHAND);
+        }
     } else {
         m_bTraining = false;  // Stop: the run sees it at the head of its next iteration
     }
