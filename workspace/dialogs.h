@@ -4,10 +4,11 @@
 #pragma once
 
 #include "platform/window.h"
+#include "workspace/controls.h"
 
 class CDataSetInfoDlg : public CDialog {
 public:
-    enum { IDD = 129 };
+    enum { IDD = IDD_DATA_SET_INFO };
     CDataSetInfoDlg() : CDialog(IDD) {}
     void OnOK() override;
     void OnClassification();
@@ -25,7 +26,7 @@ protected:
 
 class CInitializationDlg : public CDialog {
 public:
-    enum { IDD = 130 };
+    enum { IDD = IDD_INITIALIZATION };
     CInitializationDlg() : CDialog(IDD) {}
     BOOL OnInitDialog() override;
     void OnOK() override;
@@ -75,7 +76,7 @@ protected:
 
 class CErrCorInitDlg : public CDialog {
 public:
-    enum { IDD = 1038 };
+    enum { IDD = IDD_ERRCOR_INIT };
     CErrCorInitDlg() : CDialog(IDD) {}
     UINT m_nMaxUnits = 5;
 
@@ -96,25 +97,25 @@ protected:
 
 class CIterationXRangeDlg : public CRangeDlg {
 public:
-    enum { IDD = 136 };
+    enum { IDD = IDD_ITERATION_X_RANGE };
     CIterationXRangeDlg() : CRangeDlg(IDD) {}
 };
 
 class CIterationYRangeDlg : public CRangeDlg {
 public:
-    enum { IDD = 1039 };
+    enum { IDD = IDD_ITERATION_Y_RANGE };
     CIterationYRangeDlg() : CRangeDlg(IDD) {}
 };
 
 class CSummaryYRangeDlg : public CRangeDlg {
 public:
-    enum { IDD = 1040 };
+    enum { IDD = IDD_SUMMARY_Y_RANGE };
     CSummaryYRangeDlg() : CRangeDlg(IDD) {}
 };
 
 class CSummaryXRangeDlg : public CDialog {
 public:
-    enum { IDD = 137 };
+    enum { IDD = IDD_SUMMARY_X_RANGE };
     CSummaryXRangeDlg() : CDialog(IDD) {}
     UINT m_nMultiplier = 0;
 
@@ -124,7 +125,7 @@ protected:
 
 class CTest1DDlg : public CDialog {
 public:
-    enum { IDD = 138 };
+    enum { IDD = IDD_TEST_1D };
     CTest1DDlg() : CDialog(IDD) {}
     double m_dMaxValue = 0;
     double m_dMinValue = 0;
@@ -136,7 +137,7 @@ protected:
 
 class CTest2DDlg : public CDialog {
 public:
-    enum { IDD = 139 };
+    enum { IDD = IDD_TEST_2D };
     CTest2DDlg() : CDialog(IDD) {}
     double m_dMaxX = 0;
     double m_dMinX = 0;
@@ -151,7 +152,7 @@ protected:
 
 class COnlineSettingsDlg : public CDialog {
 public:
-    enum { IDD = 140 };
+    enum { IDD = IDD_ONLINE_SETTINGS };
     COnlineSettingsDlg() : CDialog(IDD) {}
     UINT m_nCurrentUnits = 0;
     UINT m_nExtraUnits = 0;
@@ -163,6 +164,6 @@ protected:
 
 class CAboutDlg : public CDialog {
 public:
-    enum { IDD = 100 };
+    enum { IDD = IDD_ABOUT };
     CAboutDlg() : CDialog(IDD) {}
 };

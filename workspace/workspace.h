@@ -15,7 +15,7 @@
 
 class CVantrelDlg : public CDialog {
 public:
-    enum { IDD = 102 };
+    enum { IDD = IDD_MAIN };
     explicit CVantrelDlg(CWnd* parent = nullptr);
     ~CVantrelDlg() override;
 
@@ -100,7 +100,7 @@ public:
     CString m_strInfoEntry;
     int m_nCurveMode = 0;
     int m_nGeneralization = 0;
-    HICON m_hIcon = 128;
+    HICON m_hIcon = IDI_PROGRAM;
 
     // ---- network model (network/) -----------------------------------------------------------------------------
     void PackParameters();
