@@ -165,16 +165,16 @@ void CVantrelDlg::OnLoadData() {
 // ---- Data Set Information dialog ----------------------------------------------------------------------------
 
 BEGIN_MESSAGE_MAP(CDataSetInfoDlg, CDialog)
-ON_BN_CLICKED(1043, OnClassification)
-ON_BN_CLICKED(1044, OnApproximation)
+ON_BN_CLICKED(IDC_CLASSIFICATION, OnClassification)
+ON_BN_CLICKED(IDC_APPROXIMATION, OnApproximation)
 END_MESSAGE_MAP()
 
 void CDataSetInfoDlg::DoDataExchange(CDataExchange* dx) {
     CDialog::DoDataExchange(dx);
-    DDX_Text(dx, 1041, m_nInputs);
-    DDX_Text(dx, 1042, m_nOutputs);
-    DDX_Radio(dx, 1043, m_nDataSetType);
-    DDX_Text(dx, 1094, m_nPatterns);
+    DDX_Text(dx, IDC_NUMBER_OF_INPUTS, m_nInputs);
+    DDX_Text(dx, IDC_NUMBER_OF_OUTPUTS, m_nOutputs);
+    DDX_Radio(dx, IDC_CLASSIFICATION, m_nDataSetType);
+    DDX_Text(dx, IDC_NUMBER_OF_PATTERNS, m_nPatterns);
 }
 
 void CDataSetInfoDlg::OnOK() {

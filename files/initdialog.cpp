@@ -7,8 +7,13 @@
 namespace {
 
 // The controls of the manual selection that Load From File disables, besides the edits of the three groups.
-constexpr int kManualControls[] = {1091, 1092, 1076, 1077, 1082, 1083, 1088, 1089, 1090, 1096};
-constexpr int kGroupEdits[] = {1045, 1073, 1074, 1078, 1079, 1080, 1084, 1085, 1086};
+constexpr int kManualControls[] = {IDC_INPUT_WEIGHTS_RANDOM,  IDC_INPUT_WEIGHTS_FIXED,     IDC_OUTPUT_WEIGHTS_RANDOM,
+                                   IDC_OUTPUT_WEIGHTS_FIXED,  IDC_WIDTHS_RANDOM,           IDC_WIDTHS_FIXED,
+                                   IDC_CENTERS_FROM_INPUT_RANGE, IDC_CENTERS_WITH_REPETITION,
+                                   IDC_CENTERS_NO_REPETITION, IDC_NUMBER_OF_RBF_UNITS};
+constexpr int kGroupEdits[] = {IDC_INPUT_WEIGHTS_LOWER,  IDC_INPUT_WEIGHTS_UPPER,  IDC_INPUT_WEIGHTS_VALUE,
+                               IDC_OUTPUT_WEIGHTS_LOWER, IDC_OUTPUT_WEIGHTS_UPPER, IDC_OUTPUT_WEIGHTS_VALUE,
+                               IDC_WIDTHS_LOWER,         IDC_WIDTHS_UPPER,         IDC_WIDTHS_VALUE};
 
 // Controls exist only while the dialog has its window; without one these do nothing.
 void EnableItem(const CWnd& dlg, int id, bool enable) {
@@ -24,41 +29,41 @@ void SetCheck(const CWnd& dlg, int id, bool checked) {
 // ---- Initialization dialog ----------------------------------------------------------------------------------
 
 BEGIN_MESSAGE_MAP(CInitializationDlg, CDialog)
-ON_BN_CLICKED(1071, OnManualSelection)
-ON_BN_CLICKED(1070, OnLoadFromFile)
-ON_BN_CLICKED(1091, OnInputWeightRandom)
-ON_BN_CLICKED(1092, OnInputWeightFixed)
-ON_BN_CLICKED(1076, OnOutputWeightRandom)
-ON_BN_CLICKED(1077, OnOutputWeightFixed)
-ON_BN_CLICKED(1082, OnWidthRandom)
-ON_BN_CLICKED(1083, OnWidthFixed)
-ON_BN_CLICKED(1088, OnCenterFromRange)
-ON_BN_CLICKED(1089, OnCenterWithRepetition)
-ON_BN_CLICKED(1090, OnCenterNoRepetition)
+ON_BN_CLICKED(IDC_MANUALLY_SELECTION, OnManualSelection)
+ON_BN_CLICKED(IDC_LOAD_FROM_FILE, OnLoadFromFile)
+ON_BN_CLICKED(IDC_INPUT_WEIGHTS_RANDOM, OnInputWeightRandom)
+ON_BN_CLICKED(IDC_INPUT_WEIGHTS_FIXED, OnInputWeightFixed)
+ON_BN_CLICKED(IDC_OUTPUT_WEIGHTS_RANDOM, OnOutputWeightRandom)
+ON_BN_CLICKED(IDC_OUTPUT_WEIGHTS_FIXED, OnOutputWeightFixed)
+ON_BN_CLICKED(IDC_WIDTHS_RANDOM, OnWidthRandom)
+ON_BN_CLICKED(IDC_WIDTHS_FIXED, OnWidthFixed)
+ON_BN_CLICKED(IDC_CENTERS_FROM_INPUT_RANGE, OnCenterFromRange)
+ON_BN_CLICKED(IDC_CENTERS_WITH_REPETITION, OnCenterWithRepetition)
+ON_BN_CLICKED(IDC_CENTERS_NO_REPETITION, OnCenterNoRepetition)
 END_MESSAGE_MAP()
 
 void CInitializationDlg::DoDataExchange(CDataExchange* dx) {
     CDialog::DoDataExchange(dx);
-    DDX_Control(dx, 1103, m_editLearningConstant);
-    DDX_Control(dx, 1104, m_editMomentum);
-    DDX_Control(dx, 1070, m_btnLoadFromFile);
-    DDX_Control(dx, 1071, m_btnManual);
-    DDX_Text(dx, 1045, m_dInputWeightMin);
-    DDX_Text(dx, 1073, m_dInputWeightMax);
-    DDX_Text(dx, 1074, m_dInputWeightFixed);
-    DDX_Text(dx, 1078, m_dOutputWeightMin);
-    DDX_Text(dx, 1079, m_dOutputWeightMax);
-    DDX_Text(dx, 1080, m_dOutputWeightFixed);
-    DDX_Text(dx, 1084, m_dWidthMin);
-    DDX_Text(dx, 1085, m_dWidthMax);
-    DDX_Text(dx, 1086, m_dWidthFixed);
-    DDX_Radio(dx, 1091, m_nInputWeightMode);
-    DDX_Radio(dx, 1076, m_nOutputWeightMode);
-    DDX_Radio(dx, 1082, m_nWidthMode);
-    DDX_Radio(dx, 1088, m_nCenterMode);
-    DDX_Text(dx, 1096, m_nUnits);
-    DDX_Text(dx, 1104, m_dMomentum);
-    DDX_Text(dx, 1103, m_dLearningConstant);
+    DDX_Control(dx, IDC_LEARNING_CONSTANT, m_editLearningConstant);
+    DDX_Control(dx, IDC_MOMENTUM, m_editMomentum);
+    DDX_Control(dx, IDC_LOAD_FROM_FILE, m_btnLoadFromFile);
+    DDX_Control(dx, IDC_MANUALLY_SELECTION, m_btnManual);
+    DDX_Text(dx, IDC_INPUT_WEIGHTS_LOWER, m_dInputWeightMin);
+    DDX_Text(dx, IDC_INPUT_WEIGHTS_UPPER, m_dInputWeightMax);
+    DDX_Text(dx, IDC_INPUT_WEIGHTS_VALUE, m_dInputWeightFixed);
+    DDX_Text(dx, IDC_OUTPUT_WEIGHTS_LOWER, m_dOutputWeightMin);
+    DDX_Text(dx, IDC_OUTPUT_WEIGHTS_UPPER, m_dOutputWeightMax);
+    DDX_Text(dx, IDC_OUTPUT_WEIGHTS_VALUE, m_dOutputWeightFixed);
+    DDX_Text(dx, IDC_WIDTHS_LOWER, m_dWidthMin);
+    DDX_Text(dx, IDC_WIDTHS_UPPER, m_dWidthMax);
+    DDX_Text(dx, IDC_WIDTHS_VALUE, m_dWidthFixed);
+    DDX_Radio(dx, IDC_INPUT_WEIGHTS_RANDOM, m_nInputWeightMode);
+    DDX_Radio(dx, IDC_OUTPUT_WEIGHTS_RANDOM, m_nOutputWeightMode);
+    DDX_Radio(dx, IDC_WIDTHS_RANDOM, m_nWidthMode);
+    DDX_Radio(dx, IDC_CENTERS_FROM_INPUT_RANGE, m_nCenterMode);
+    DDX_Text(dx, IDC_NUMBER_OF_RBF_UNITS, m_nUnits);
+    DDX_Text(dx, IDC_MOMENTUM, m_dMomentum);
+    DDX_Text(dx, IDC_LEARNING_CONSTANT, m_dLearningConstant);
 }
 
 BOOL CInitializationDlg::OnInitDialog() {
@@ -83,16 +88,16 @@ void CInitializationDlg::OnOK() {
 // 1070 and 1071 are each the first of a group of their own, so they are checked and unchecked by hand.
 void CInitializationDlg::ApplyEnableRules() {
     const bool manual = m_nLoadFromFile == 0;
-    SetCheck(*this, 1071, manual);
-    SetCheck(*this, 1070, !manual);
+    SetCheck(*this, IDC_MANUALLY_SELECTION, manual);
+    SetCheck(*this, IDC_LOAD_FROM_FILE, !manual);
     for (int id : kManualControls) EnableItem(*this, id, manual);
     if (!manual) {
         for (int id : kGroupEdits) EnableItem(*this, id, false);
         return;
     }
-    ApplyGroupRule(m_nInputWeightMode, 1045, 1073, 1074);
-    ApplyGroupRule(m_nOutputWeightMode, 1078, 1079, 1080);
-    ApplyGroupRule(m_nWidthMode, 1084, 1085, 1086);
+    ApplyGroupRule(m_nInputWeightMode, IDC_INPUT_WEIGHTS_LOWER, IDC_INPUT_WEIGHTS_UPPER, IDC_INPUT_WEIGHTS_VALUE);
+    ApplyGroupRule(m_nOutputWeightMode, IDC_OUTPUT_WEIGHTS_LOWER, IDC_OUTPUT_WEIGHTS_UPPER, IDC_OUTPUT_WEIGHTS_VALUE);
+    ApplyGroupRule(m_nWidthMode, IDC_WIDTHS_LOWER, IDC_WIDTHS_UPPER, IDC_WIDTHS_VALUE);
 }
 
 void CInitializationDlg::ApplyGroupRule(int mode, int lowerId, int upperId, int fixedId) {
@@ -113,32 +118,32 @@ void CInitializationDlg::OnLoadFromFile() {
 
 void CInitializationDlg::OnInputWeightRandom() {
     m_nInputWeightMode = 0;
-    ApplyGroupRule(m_nInputWeightMode, 1045, 1073, 1074);
+    ApplyGroupRule(m_nInputWeightMode, IDC_INPUT_WEIGHTS_LOWER, IDC_INPUT_WEIGHTS_UPPER, IDC_INPUT_WEIGHTS_VALUE);
 }
 
 void CInitializationDlg::OnInputWeightFixed() {
     m_nInputWeightMode = 1;
-    ApplyGroupRule(m_nInputWeightMode, 1045, 1073, 1074);
+    ApplyGroupRule(m_nInputWeightMode, IDC_INPUT_WEIGHTS_LOWER, IDC_INPUT_WEIGHTS_UPPER, IDC_INPUT_WEIGHTS_VALUE);
 }
 
 void CInitializationDlg::OnOutputWeightRandom() {
     m_nOutputWeightMode = 0;
-    ApplyGroupRule(m_nOutputWeightMode, 1078, 1079, 1080);
+    ApplyGroupRule(m_nOutputWeightMode, IDC_OUTPUT_WEIGHTS_LOWER, IDC_OUTPUT_WEIGHTS_UPPER, IDC_OUTPUT_WEIGHTS_VALUE);
 }
 
 void CInitializationDlg::OnOutputWeightFixed() {
     m_nOutputWeightMode = 1;
-    ApplyGroupRule(m_nOutputWeightMode, 1078, 1079, 1080);
+    ApplyGroupRule(m_nOutputWeightMode, IDC_OUTPUT_WEIGHTS_LOWER, IDC_OUTPUT_WEIGHTS_UPPER, IDC_OUTPUT_WEIGHTS_VALUE);
 }
 
 void CInitializationDlg::OnWidthRandom() {
     m_nWidthMode = 0;
-    ApplyGroupRule(m_nWidthMode, 1084, 1085, 1086);
+    ApplyGroupRule(m_nWidthMode, IDC_WIDTHS_LOWER, IDC_WIDTHS_UPPER, IDC_WIDTHS_VALUE);
 }
 
 void CInitializationDlg::OnWidthFixed() {
     m_nWidthMode = 1;
-    ApplyGroupRule(m_nWidthMode, 1084, 1085, 1086);
+    ApplyGroupRule(m_nWidthMode, IDC_WIDTHS_LOWER, IDC_WIDTHS_UPPER, IDC_WIDTHS_VALUE);
 }
 
 void CInitializationDlg::OnCenterFromRange() { m_nCenterMode = 0; }
@@ -151,5 +156,5 @@ void CInitializationDlg::OnCenterNoRepetition() { m_nCenterMode = 2; }
 
 void CErrCorInitDlg::DoDataExchange(CDataExchange* dx) {
     CDialog::DoDataExchange(dx);
-    DDX_Text(dx, 1097, m_nMaxUnits);
+    DDX_Text(dx, IDC_MAXIMUM_RBF_UNITS, m_nMaxUnits);
 }

@@ -22,7 +22,6 @@ const char* const kWelcomeLines[] = {
     "--Contact: vantrel@example.org",
 };
 
-constexpr UINT kAboutCommand = 0x0010;
 constexpr int kMaxInfoLines = 2000;
 
 // Empties the series of both curve plots, each under its plot's lock.
@@ -44,53 +43,53 @@ BEGIN_MESSAGE_MAP(CVantrelDlg, CDialog)
     ON_WM_PAINT()
     ON_WM_QUERYDRAGICON()
     ON_WM_CLOSE()
-    ON_BN_CLICKED(1009, OnLoadData)
-    ON_BN_CLICKED(1039, OnClearCurves)
-    ON_BN_CLICKED(1063, OnShowInfo)
-    ON_CBN_SELCHANGE(1014, OnSelchangeAlgorithm)
-    ON_BN_CLICKED(1064, OnInitialization)
-    ON_BN_CLICKED(1055, OnSaveResults)
-    ON_BN_CLICKED(1061, OnOneCurve)
-    ON_BN_CLICKED(1062, OnMultipleCurves)
-    ON_BN_CLICKED(1010, OnStartTraining)
+    ON_BN_CLICKED(IDC_LOAD_DATA, OnLoadData)
+    ON_BN_CLICKED(IDC_CLEAR_CURVES, OnClearCurves)
+    ON_BN_CLICKED(IDC_SHOW_INFO, OnShowInfo)
+    ON_CBN_SELCHANGE(IDC_ALGORITHMS, OnSelchangeAlgorithm)
+    ON_BN_CLICKED(IDC_INITIALIZATION, OnInitialization)
+    ON_BN_CLICKED(IDC_SAVE_TRAINING_RESULTS, OnSaveResults)
+    ON_BN_CLICKED(IDC_ONE_CURVE, OnOneCurve)
+    ON_BN_CLICKED(IDC_MULTIPLE_CURVES, OnMultipleCurves)
+    ON_BN_CLICKED(IDC_START_TRAINING, OnStartTraining)
     ON_WM_RBUTTONDOWN()
-    ON_COMMAND(32771, OnIterationXRange)
-    ON_COMMAND(32772, OnSummaryXRange)
-    ON_COMMAND(32773, OnIterationYRange)
-    ON_COMMAND(32774, OnSummaryYRange)
+    ON_COMMAND(ID_ITERATION_X_RANGE, OnIterationXRange)
+    ON_COMMAND(ID_SUMMARY_X_RANGE, OnSummaryXRange)
+    ON_COMMAND(ID_ITERATION_Y_RANGE, OnIterationYRange)
+    ON_COMMAND(ID_SUMMARY_Y_RANGE, OnSummaryYRange)
 END_MESSAGE_MAP()
 
 void CVantrelDlg::DoDataExchange(CDataExchange* dx) {
     CDialog::DoDataExchange(dx);
-    DDX_Control(dx, 1058, m_btnCreate2D);
-    DDX_Control(dx, 1059, m_btnCreate1D);
-    DDX_Control(dx, 1056, m_btnTrainingPatterns);
-    DDX_Control(dx, 1057, m_btnTestingPatterns);
-    DDX_Control(dx, 1048, m_btnOnline);
-    DDX_Control(dx, 1102, m_lblTotalTime);
-    DDX_Control(dx, 1101, m_lblTotalError);
-    DDX_Control(dx, 1093, m_editInfo);
-    DDX_Control(dx, 1022, m_dataPlot);
-    DDX_Control(dx, 1015, m_listInfo);
-    DDX_Control(dx, 1014, m_comboAlgorithm);
-    DDX_Control(dx, 1012, m_summaryPlot);
-    DDX_Control(dx, 1013, m_iterationPlot);
-    DDX_Text(dx, 1020, m_dDesiredError);
-    DDX_Text(dx, 1019, m_nIterations);
-    DDX_Text(dx, 1029, m_strDataTitle);
-    DDX_Text(dx, 1024, m_nCurrentIteration);
-    DDX_Text(dx, 1025, m_dPartialError);
-    DDX_Text(dx, 1027, m_dPartialTime);
+    DDX_Control(dx, IDC_CREATE_2D_PATTERNS, m_btnCreate2D);
+    DDX_Control(dx, IDC_CREATE_1D_PATTERNS, m_btnCreate1D);
+    DDX_Control(dx, IDC_TRAINING_PATTERNS, m_btnTrainingPatterns);
+    DDX_Control(dx, IDC_TESTING_PATTERNS, m_btnTestingPatterns);
+    DDX_Control(dx, IDC_ONLINE_TRAINING, m_btnOnline);
+    DDX_Control(dx, IDC_TOTAL_TIME_LABEL, m_lblTotalTime);
+    DDX_Control(dx, IDC_TOTAL_ERROR_LABEL, m_lblTotalError);
+    DDX_Control(dx, IDC_INFO_ENTRY, m_editInfo);
+    DDX_Control(dx, IDC_DATA_PLOT, m_dataPlot);
+    DDX_Control(dx, IDC_INFO_LIST, m_listInfo);
+    DDX_Control(dx, IDC_ALGORITHMS, m_comboAlgorithm);
+    DDX_Control(dx, IDC_SUMMARY_PLOT, m_summaryPlot);
+    DDX_Control(dx, IDC_ITERATION_PLOT, m_iterationPlot);
+    DDX_Text(dx, IDC_DESIRED_AVERAGE_ERROR, m_dDesiredError);
+    DDX_Text(dx, IDC_NUMBER_OF_ITERATIONS, m_nIterations);
+    DDX_Text(dx, IDC_CURRENT_TRAINING_SET, m_strDataTitle);
+    DDX_Text(dx, IDC_CURRENT_ITERATIONS, m_nCurrentIteration);
+    DDX_Text(dx, IDC_CURRENT_PARTIAL_ERROR, m_dPartialError);
+    DDX_Text(dx, IDC_CURRENT_PARTIAL_TIME, m_dPartialTime);
     // Edit 1023 is read-only and a run writes it after m_nUnits has changed: reading it back could only set
     // the count of a growing network to a value the window has not caught up with yet.
-    if (!dx->m_bSaveAndValidate) DDX_Text(dx, 1023, m_nUnits);
-    DDX_Text(dx, 1026, m_dTotalError);
-    DDX_Text(dx, 1028, m_dTotalTime);
-    DDX_Text(dx, 1047, m_nTrials);
-    DDX_Check(dx, 1048, m_bOnline);
-    DDX_Check(dx, 1055, m_bSaveResults);
-    DDX_Text(dx, 1093, m_strInfoEntry);
-    DDX_Radio(dx, 1061, m_nCurveMode);
+    if (!dx->m_bSaveAndValidate) DDX_Text(dx, IDC_CURRENT_RBF_UNITS, m_nUnits);
+    DDX_Text(dx, IDC_CURRENT_TOTAL_ERROR, m_dTotalError);
+    DDX_Text(dx, IDC_CURRENT_TOTAL_TIME, m_dTotalTime);
+    DDX_Text(dx, IDC_NUMBER_OF_TRIALS, m_nTrials);
+    DDX_Check(dx, IDC_ONLINE_TRAINING, m_bOnline);
+    DDX_Check(dx, IDC_SAVE_TRAINING_RESULTS, m_bSaveResults);
+    DDX_Text(dx, IDC_INFO_ENTRY, m_strInfoEntry);
+    DDX_Radio(dx, IDC_ONE_CURVE, m_nCurveMode);
 }
 
 BOOL CVantrelDlg::OnInitDialog() {
@@ -98,10 +97,10 @@ BOOL CVantrelDlg::OnInitDialog() {
 
     if (CMenu* systemMenu = GetSystemMenu(FALSE)) {
         CString about;
-        AfxLoadString(101, about);
+        AfxLoadString(IDS_ABOUT, about);
         if (!about.IsEmpty()) {
             systemMenu->AppendMenu(MF_SEPARATOR);
-            systemMenu->AppendMenu(MF_STRING, kAboutCommand, about);
+            systemMenu->AppendMenu(MF_STRING, IDM_ABOUTBOX, about);
         }
     }
     SendMessage(WM_SETICON, ICON_BIG, m_hIcon);
@@ -111,60 +110,60 @@ BOOL CVantrelDlg::OnInitDialog() {
     for (const char* line : kWelcomeLines) AppendInfo(line);
 
     for (int i = 0; i < 5; ++i)
-        GetDlgItem(1014)->SendMessage(CB_INSERTSTRING, i, reinterpret_cast<LPARAM>(kAlgorithmNames[i]));
-    GetDlgItem(1014)->SendMessage(CB_SETCURSEL, 0);
+        GetDlgItem(IDC_ALGORITHMS)->SendMessage(CB_INSERTSTRING, i, reinterpret_cast<LPARAM>(kAlgorithmNames[i]));
+    GetDlgItem(IDC_ALGORITHMS)->SendMessage(CB_SETCURSEL, 0);
 
     ApplyAlgorithmRules();
 
-    GetDlgItem(1038)->EnableWindow(FALSE);
-    GetDlgItem(1048)->EnableWindow(FALSE);
+    GetDlgItem(IDC_VERIFICATION)->EnableWindow(FALSE);
+    GetDlgItem(IDC_ONLINE_TRAINING)->EnableWindow(FALSE);
 
     m_nGeneralization = 0;
-    GetDlgItem(1059)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
-    GetDlgItem(1058)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
-    GetDlgItem(1056)->SendMessage(BM_SETCHECK, BST_CHECKED);
-    GetDlgItem(1057)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+    GetDlgItem(IDC_CREATE_1D_PATTERNS)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+    GetDlgItem(IDC_CREATE_2D_PATTERNS)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+    GetDlgItem(IDC_TRAINING_PATTERNS)->SendMessage(BM_SETCHECK, BST_CHECKED);
+    GetDlgItem(IDC_TESTING_PATTERNS)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
     return TRUE;
 }
 
 void CVantrelDlg::AppendInfo(CString strLine) {
     if (m_nInfoLines == kMaxInfoLines) ClearInfo();
-    GetDlgItem(1015)->SendMessage(LB_INSERTSTRING, m_nInfoLines, reinterpret_cast<LPARAM>(static_cast<const char*>(strLine)));
+    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_INSERTSTRING, m_nInfoLines, reinterpret_cast<LPARAM>(static_cast<const char*>(strLine)));
     ++m_nInfoLines;
-    GetDlgItem(1015)->SendMessage(LB_SETCURSEL, m_nInfoLines - 1);
+    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_SETCURSEL, m_nInfoLines - 1);
 }
 
 void CVantrelDlg::ClearInfo() {
-    GetDlgItem(1015)->SendMessage(LB_RESETCONTENT);
+    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_RESETCONTENT);
     m_nInfoLines = 0;
 }
 
 void CVantrelDlg::OnSelchangeAlgorithm() {
-    m_nAlgorithm = static_cast<int>(GetDlgItem(1014)->SendMessage(CB_GETCURSEL));
+    m_nAlgorithm = static_cast<int>(GetDlgItem(IDC_ALGORITHMS)->SendMessage(CB_GETCURSEL));
     m_bNetworkReady = false;
     ApplyAlgorithmRules();
 }
 
 void CVantrelDlg::ApplyAlgorithmRules() {
     const bool growing = m_nAlgorithm == 2;
-    GetDlgItem(1101)->SetWindowText(growing ? "Current Total Error:" : "Current Average Error:");
-    GetDlgItem(1102)->SetWindowText(growing ? "Current Total Time(s)" : "Current Average Time(s)");
+    GetDlgItem(IDC_TOTAL_ERROR_LABEL)->SetWindowText(growing ? "Current Total Error:" : "Current Average Error:");
+    GetDlgItem(IDC_TOTAL_TIME_LABEL)->SetWindowText(growing ? "Current Total Time(s)" : "Current Average Time(s)");
     if (growing) {
-        GetDlgItem(1047)->EnableWindow(FALSE);
+        GetDlgItem(IDC_NUMBER_OF_TRIALS)->EnableWindow(FALSE);
         m_nTrials = 1;
         UpdateData(FALSE);
         m_summaryPlot.SetSummaryAxis(1, 2);
-        GetDlgItem(1061)->SendMessage(BM_SETCHECK, BST_CHECKED);
-        GetDlgItem(1062)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+        GetDlgItem(IDC_ONE_CURVE)->SendMessage(BM_SETCHECK, BST_CHECKED);
+        GetDlgItem(IDC_MULTIPLE_CURVES)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
         m_nCurveMode = 0;
-        GetDlgItem(1062)->EnableWindow(FALSE);
+        GetDlgItem(IDC_MULTIPLE_CURVES)->EnableWindow(FALSE);
     } else {
-        GetDlgItem(1047)->EnableWindow(TRUE);
+        GetDlgItem(IDC_NUMBER_OF_TRIALS)->EnableWindow(TRUE);
         m_summaryPlot.SetSummaryAxis(1, 0);
-        GetDlgItem(1062)->EnableWindow(TRUE);
-        GetDlgItem(1048)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+        GetDlgItem(IDC_MULTIPLE_CURVES)->EnableWindow(TRUE);
+        GetDlgItem(IDC_ONLINE_TRAINING)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
         m_bOnline = 0;
-        GetDlgItem(1048)->EnableWindow(FALSE);
+        GetDlgItem(IDC_ONLINE_TRAINING)->EnableWindow(FALSE);
     }
     // The default depends on the algorithm alone and replaces what the user had typed.
     m_nIterations = (m_nAlgorithm == 3 || m_nAlgorithm == 4) ? 100000 : 200;
@@ -190,7 +189,7 @@ void CVantrelDlg::OnClose() {
     // while it waits (the worker may be waiting on a message box), so Start is taken away first: no new run
     // may begin between the end of this one and the release.
     m_bTraining = false;
-    GetDlgItem(1010)->EnableWindow(FALSE);
+    GetDlgItem(IDC_START_TRAINING)->EnableWindow(FALSE);
     AfxWaitForWorkers();
     ReleaseArrays();
     {
@@ -205,7 +204,7 @@ void CVantrelDlg::OnClose() {
 }
 
 void CVantrelDlg::OnSysCommand(UINT nID, LPARAM) {
-    if ((nID & 0xFFF0) == kAboutCommand) {
+    if ((nID & 0xFFF0) == IDM_ABOUTBOX) {
         CAboutDlg about;
         about.DoModal();
     } else {

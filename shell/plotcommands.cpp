@@ -6,15 +6,6 @@
 
 namespace {
 
-constexpr int kSummaryPlotId = 1012;
-constexpr int kIterationPlotId = 1013;
-constexpr UINT kIterationMenu = 134;
-constexpr UINT kSummaryMenu = 135;
-
-constexpr int kUpperEdit = 1098;
-constexpr int kLowerEdit = 1099;
-constexpr int kMultiplierEdit = 1100;
-
 // The screen rectangle of a control; empty when the dialog has no such control.
 RECT ScreenRectOf(const CWnd& dialog, int id) {
     RECT rect;
@@ -41,14 +32,14 @@ void EditBounds(CPlotBase& plot, CRangeDlg& dialog, double& lower, double& upper
 }  // namespace
 
 void CVantrelDlg::OnRButtonDown(UINT /*nFlags*/, CPoint point) {
-    const RECT iterationRect = ScreenRectOf(*this, kIterationPlotId);
-    const RECT summaryRect = ScreenRectOf(*this, kSummaryPlotId);
+    const RECT iterationRect = ScreenRectOf(*this, IDC_ITERATION_PLOT);
+    const RECT summaryRect = ScreenRectOf(*this, IDC_SUMMARY_PLOT);
     ClientToScreen(&point);
     UINT menuId = 0;
     if (PtInRect(&iterationRect, point))
-        menuId = kIterationMenu;
+        menuId = IDR_ITERATION_MENU;
     else if (PtInRect(&summaryRect, point))
-        menuId = kSummaryMenu;
+        menuId = IDR_SUMMARY_MENU;
     if (menuId != 0) {
         CMenu menu;
         if (menu.LoadMenu(menuId)) {
@@ -86,11 +77,11 @@ void CVantrelDlg::OnSummaryXRange() {
 
 void CRangeDlg::DoDataExchange(CDataExchange* dx) {
     CDialog::DoDataExchange(dx);
-    DDX_Text(dx, kUpperEdit, m_dUpper);
-    DDX_Text(dx, kLowerEdit, m_dLower);
+    DDX_Text(dx, IDC_UPPER_BOUNDARY, m_dUpper);
+    DDX_Text(dx, IDC_LOWER_BOUNDARY, m_dLower);
 }
 
 void CSummaryXRangeDlg::DoDataExchange(CDataExchange* dx) {
     CDialog::DoDataExchange(dx);
-    DDX_Text(dx, kMultiplierEdit, m_nMultiplier);
+    DDX_Text(dx, IDC_MULTIPLIER, m_nMultiplier);
 }

@@ -3,7 +3,7 @@
 
 void COnlineSettingsDlg::DoDataExchange(CDataExchange* dx) {
     CDialog::DoDataExchange(dx);
-    DDX_Text(dx, 1116, m_nCurrentUnits);
-    DDX_Text(dx, 1117, m_nExtraUnits);
-    DDX_Text(dx, 1115, m_strNewDataPath);
+    DDX_Text(dx, IDC_CURRENT_NUMBER_OF_RBF_UNITS, m_nCurrentUnits);
+    DDX_Text(dx, IDC_EXTRA_NUMBER_OF_RBF_UNITS, m_nExtraUnits);
+    DDX_Text(dx, IDC_NEW_DATA, m_strNewDataPath);
 }
