@@ -53,7 +53,7 @@ void CVantrelDlg::AddUnitAtWorstPattern() {
     m_nUnits = static_cast<UINT>(units);
     CString text;
     text.Format("%d", static_cast<int>(m_nUnits));
-    training::SetItemText(*this, training::kUnitsEdit, text);
+    training::SetItemText(*this, IDC_CURRENT_RBF_UNITS, text);
 
     delete[] m_pInputWeights;
     delete[] m_pOutputWeights;
@@ -101,9 +101,9 @@ bool TrainNewUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
     }
 
     const double seconds = SecondsSince(startTick);
-    WriteNumber(dlg, kPartialTimeEdit, "%.3f", seconds);
+    WriteNumber(dlg, IDC_CURRENT_PARTIAL_TIME, "%.3f", seconds);
     run.totalTime += seconds;
-    WriteNumber(dlg, kAverageTimeEdit, "%.3f", run.totalTime);
+    WriteNumber(dlg, IDC_CURRENT_TOTAL_TIME, "%.3f", run.totalTime);
     return true;
 }
 
@@ -113,7 +113,7 @@ double FinishUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
     // Multiple Curves can't be chosen with this algorithm; any other mode draws nothing.
     if (AfxReadShared(dlg.m_nCurveMode) == 0) FeedIterationPlot(dlg, run.iterationErrors, true, 2);
     const double error = dlg.ComputeOutputs();
-    WriteNumber(dlg, kAverageErrorEdit, "%.12f", error);
+    WriteNumber(dlg, IDC_CURRENT_TOTAL_ERROR, "%.12f", error);
     if (dlg.m_bClassification) FeedDataPlot(dlg);
 
     savedHessian.reset();
@@ -132,12 +132,12 @@ double FinishUnit(RunState& run, std::unique_ptr<double[]>& savedHessian) {
 UINT EndErrorCorrection(RunState& run) {
     CVantrelDlg& dlg = run.dlg;
     platform::CallOnGui([&] {
-        EndNormally(run);
-        EnableItems(dlg, {kOnlineTraining});
+        EndRun(run, RunEnding::Normal);
+        dlg.GetDlgItem(IDC_ONLINE_TRAINING)->EnableWindow(TRUE);
         if (dlg.m_bOnline != 0) {
             dlg.m_bOnline = 0;
             dlg.m_bNetworkReady = false;
-            dlg.GetDlgItem(kOnlineTraining)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
+            dlg.GetDlgItem(IDC_ONLINE_TRAINING)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
         }
     });
     return 0;
@@ -159,7 +159,7 @@ UINT TrainByErrorCorrection(void* pParam) {
         for (UINT k = 0; k < dlg.m_nMaxUnits; ++k) {
             if (!TrainNewUnit(run, savedHessian)) {
                 savedHessian.reset();
-                return EndStopped(run);
+                return EndRun(run, RunEnding::Stopped);
             }
             const double error = FinishUnit(run, savedHessian);
             if (!(error >= AfxReadShared(dlg.m_dDesiredError))) break;  // below the goal, or NaN
@@ -168,7 +168,7 @@ UINT TrainByErrorCorrection(void* pParam) {
         // A NaN network meets the singular-matrix exception at its next inversion; end like a stop, with a
         // message, and keep the network and online state as they are.
         savedHessian.reset();
-        return EndAfterFailure(run, FailureMessage(run));
+        return EndRun(run, RunEnding::Failed, FailureMessage(run));
     }
     return EndErrorCorrection(run);
 }

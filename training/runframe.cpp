@@ -9,15 +9,15 @@ namespace training {
 
 void SetItemText(CVantrelDlg& dlg, int id, const CString& text) { dlg.GetDlgItem(id)->SetWindowText(text); }
 
-void EnableItems(CVantrelDlg& dlg, std::initializer_list<int> ids, BOOL enable) {
+void EnableItems(CVantrelDlg& dlg, ControlList ids, BOOL enable) {
     for (int id : ids) dlg.GetDlgItem(id)->EnableWindow(enable);
 }
 
 void WriteIterationReadouts(CVantrelDlg& dlg, UINT iteration, double error) {
     CString text;
     text.Format("%d", static_cast<int>(iteration));
-    SetItemText(dlg, kIterationEdit, text);
-    WriteNumber(dlg, kPartialErrorEdit, "%.12f", error);
+    SetItemText(dlg, IDC_CURRENT_ITERATIONS, text);
+    WriteNumber(dlg, IDC_CURRENT_PARTIAL_ERROR, "%.12f", error);
 }
 
 void WriteNumber(CVantrelDlg& dlg, int id, const char* format, double value) {
@@ -36,11 +36,12 @@ bool BeginRun(RunState& run) {
     // The loader refuses such sets; should one come through anyway, the worst-pattern search and the center
     // copy of a new unit would read rows that don't exist, so no run starts on it.
     if (dlg.m_nPatterns == 0 || dlg.m_nInputs == 0) {
-        EndAfterFailure(run, "The data set has no patterns or no inputs: load another data set before training.");
+        EndRun(run, RunEnding::Failed,
+               "The data set has no patterns or no inputs: load another data set before training.");
         return false;
     }
     if (AfxReadShared(dlg.m_bSaveResults) != 0 && !dlg.CreateResultFile(&run.resultPath)) {
-        EndAfterFailure(run, "Create Result File Failed!");
+        EndRun(run, RunEnding::Failed, "Create Result File Failed!");
         return false;
     }
     return true;
@@ -61,34 +62,19 @@ std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams) {
     }
 }
 
-UINT EndNormally(RunState& run) {
+UINT EndRun(RunState& run, RunEnding ending, const CString& failureMessage) {
     CVantrelDlg& dlg = run.dlg;
+    // The box holds the worker until it is closed, so the controls come back only after the user has read it.
+    if (ending == RunEnding::Failed) dlg.MessageBox(failureMessage, "Error", MB_ICONHAND);
+    // Cleared (it already is after Stop) before the caption turns back: once the button shows "Start
+    // Training", a press starts the next run.
     dlg.m_bTraining = false;
-    SetItemText(dlg, kStartButton, "Start Training");
+    SetItemText(dlg, IDC_START_TRAINING, "Start Training");
     run.iterationErrors.RemoveAll();
     run.finalErrors.RemoveAll();
-    EnableItems(dlg, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults, kVerification});
-    return 0;
-}
-
-UINT EndStopped(RunState& run) {
-    CVantrelDlg& dlg = run.dlg;
-    SetItemText(dlg, kStartButton, "Start Training");
-    EnableItems(dlg, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults});
-    run.iterationErrors.RemoveAll();
-    run.finalErrors.RemoveAll();
-    return 1;
-}
-
-UINT EndAfterFailure(RunState& run, const CString& message) {
-    CVantrelDlg& dlg = run.dlg;
-    dlg.MessageBox(message, "Error", MB_ICONHAND);
-    SetItemText(dlg, kStartButton, "Start Training");
-    run.iterationErrors.RemoveAll();
-    run.finalErrors.RemoveAll();
-    dlg.m_bTraining = false;
-    EnableItems(dlg, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults});
-    return 1;
+    // Verification needs a network that a run finished: a stopped or failed run leaves it disabled.
+    EnableItems(dlg, ending == RunEnding::Normal ? kRunLockedControls : kRunUnlockedAfterStop);
+    return ending == RunEnding::Normal ? 0 : 1;
 }
 
 CString FailureMessage(const RunState& run) {

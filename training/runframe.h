@@ -2,28 +2,12 @@
 // loop of trials of the methods with a fixed number of units, and the ways a run ends.
 #pragma once
 
-#include <initializer_list>
 #include <memory>
 #include <new>
 
 #include "workspace/workspace.h"
 
 namespace training {
-
-// Controls that a run writes or enables.
-constexpr int kLoadData = 1009;
-constexpr int kStartButton = 1010;
-constexpr int kAlgorithmCombo = 1014;
-constexpr int kUnitsEdit = 1023;
-constexpr int kIterationEdit = 1024;
-constexpr int kPartialErrorEdit = 1025;
-constexpr int kAverageErrorEdit = 1026;
-constexpr int kPartialTimeEdit = 1027;
-constexpr int kAverageTimeEdit = 1028;
-constexpr int kVerification = 1038;
-constexpr int kOnlineTraining = 1048;
-constexpr int kSaveResults = 1055;
-constexpr int kInitialization = 1064;
 
 // What a run holds of its own from its start to its end.
 struct RunState {
@@ -40,7 +24,7 @@ struct RunState {
 // Control operations from the worker: queued to the window's thread, never waited for. Without a window
 // (unit tests) they do nothing.
 void SetItemText(CVantrelDlg& dlg, int id, const CString& text);
-void EnableItems(CVantrelDlg& dlg, std::initializer_list<int> ids, BOOL enable = TRUE);
+void EnableItems(CVantrelDlg& dlg, ControlList ids, BOOL enable = TRUE);
 
 // Read-outs.
 void WriteIterationReadouts(CVantrelDlg& dlg, UINT iteration, double error);  // 1024 and 1025
@@ -48,7 +32,7 @@ void WriteNumber(CVantrelDlg& dlg, int id, const char* format, double value);
 double SecondsSince(DWORD startTick);
 
 // Refuses a data set without patterns or inputs and creates the result file when one is asked for. On
-// false the run has already ended (EndAfterFailure) and must return 1.
+// false the run has already ended as failed and must return 1.
 bool BeginRun(RunState& run);
 
 // The saved quasi-Hessian of the damped methods; throws CQuasiHessianTooLarge when it does not fit, so that
@@ -63,12 +47,17 @@ void FeedIterationPlot(CVantrelDlg& dlg, const CDoubleArray& errors, bool restar
 void FeedSummaryPlot(CVantrelDlg& dlg, const CDoubleArray& errors, int multiplier, int mode);
 void FeedDataPlot(CVantrelDlg& dlg);
 
-// Endings; each returns the run function's result.
-UINT EndNormally(RunState& run);  // 0; enables 1009, 1014, 1064, 1055, 1038
-UINT EndStopped(RunState& run);   // 1; Verification stays disabled
-// Shows message under "Error" and ends without touching the network any further: clears m_bTraining and
-// enables 1009, 1014, 1064, 1055. 1.
-UINT EndAfterFailure(RunState& run, const CString& message);
+// How a run ended.
+enum class RunEnding {
+    Normal,   // all trials or units done, or the goal reached
+    Stopped,  // by the user
+    Failed,   // the result file, or a failure within the run; the network stays as the failure left it
+};
+
+// Ends a run: shows failureMessage under "Error" when it failed, clears m_bTraining, turns the button back to
+// "Start Training", releases the run's series and enables what Start disabled, Verification only after a
+// normal end. Returns the run function's result: 0 after a normal end, else 1.
+UINT EndRun(RunState& run, RunEnding ending, const CString& failureMessage = CString());
 // The message for the exception that ended a run; to be called inside the catch block. A worker is a thread
 // of its own, and whatever escaped it would end the program, so the runs catch everything.
 CString FailureMessage(const RunState& run);

@@ -1,4 +1,4 @@
-// Button 1010: starts a run, or asks the running one to stop.
+// The Start Training button: starts a run, or asks the running one to stop.
 #include "platform/thread.h"
 #include "training/runframe.h"
 
@@ -26,7 +26,7 @@ void CVantrelDlg::OnStartTraining() {
         return;
     }
     CString caption;
-    GetDlgItem(kStartButton)->GetWindowText(caption);
+    GetDlgItem(IDC_START_TRAINING)->GetWindowText(caption);
 
     // The caption turns back to "Start Training" only as a run ends, so a press while a stopped run is still
     // finishing its iteration starts nothing.
@@ -34,14 +34,12 @@ void CVantrelDlg::OnStartTraining() {
         const AFX_THREADPROC run = RunFunctionOf(m_nAlgorithm);
         if (run == nullptr) return;  // the combo box offers no other index
         m_bTraining = true;
-        SetItemText(*this, kStartButton, "Stop Training");
-        EnableItems(*this, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults, kVerification}, FALSE);
+        SetItemText(*this, IDC_START_TRAINING, "Stop Training");
+        EnableItems(*this, kRunLockedControls, FALSE);
         if (AfxBeginThread(run, this, 0, 0, 0, nullptr) == nullptr) {
-            // No thread to be had: give back what Start took, as a run that could not begin.
-            m_bTraining = false;
-            SetItemText(*this, kStartButton, "Start Training");
-            EnableItems(*this, {kLoadData, kAlgorithmCombo, kInitialization, kSaveResults}, TRUE);
-            MessageBox("The system could not start the training thread.", "Error", MB_ICONHAND);
+            // No thread to be had: a run that could not begin gives back what Start took, as a failed one.
+            RunState refused(*this);
+            EndRun(refused, RunEnding::Failed, "The system could not start the training thread.");
         }
     } else {
         m_bTraining = false;  // Stop: the run sees it at the head of its next iteration

@@ -37,9 +37,9 @@ bool IterateTrial(RunState& run, CTrialMethod& method) {
 void FinishTrial(RunState& run, CTrialMethod& method, UINT trial, DWORD startTick) {
     CVantrelDlg& dlg = run.dlg;
     const double seconds = SecondsSince(startTick);
-    WriteNumber(dlg, kPartialTimeEdit, "%.3f", seconds);
+    WriteNumber(dlg, IDC_CURRENT_PARTIAL_TIME, "%.3f", seconds);
     run.totalTime += seconds;
-    WriteNumber(dlg, kAverageTimeEdit, "%.3f", run.totalTime / (trial + 1.0));
+    WriteNumber(dlg, IDC_CURRENT_TOTAL_TIME, "%.3f", run.totalTime / (trial + 1.0));
 
     const bool oneCurve = AfxReadShared(dlg.m_nCurveMode) == 0;
     FeedIterationPlot(dlg, run.iterationErrors, oneCurve, oneCurve ? 0 : 1);
@@ -50,7 +50,7 @@ void FinishTrial(RunState& run, CTrialMethod& method, UINT trial, DWORD startTic
     const double error = run.iterationErrors.GetAt(last);
     run.finalErrors.Add(error);
     run.errorSum += error;
-    WriteNumber(dlg, kAverageErrorEdit, "%.12f", run.errorSum / (trial + 1.0));
+    WriteNumber(dlg, IDC_CURRENT_TOTAL_ERROR, "%.12f", run.errorSum / (trial + 1.0));
     FeedSummaryPlot(dlg, run.finalErrors, static_cast<int>(trial / 10 + 1), 0);
 
     if (AfxReadShared(dlg.m_bSaveResults) != 0)
@@ -69,7 +69,7 @@ UINT RunTrials(CVantrelDlg& dlg, CTrialMethod& method) {
             const DWORD startTick = GetTickCount();
             if (!IterateTrial(run, method)) {
                 method.EndTrial();
-                return EndStopped(run);
+                return EndRun(run, RunEnding::Stopped);
             }
             FinishTrial(run, method, trial, startTick);
         }
@@ -77,9 +77,9 @@ UINT RunTrials(CVantrelDlg& dlg, CTrialMethod& method) {
         // A singular quasi-Hessian (a network gone NaN) or memory that isn't there: end like a stop, with a
         // message, and leave the network as the last try made it.
         method.EndTrial();
-        return EndAfterFailure(run, FailureMessage(run));
+        return EndRun(run, RunEnding::Failed, FailureMessage(run));
     }
-    return EndNormally(run);
+    return EndRun(run, RunEnding::Normal);
 }
 
 }  // namespace training
