@@ -10,14 +10,3 @@ CVantrelDlg::~CVantrelDlg() {
     if (AfxRunningWorkers() > 0) AfxWaitForWorkers();
     ReleaseArrays();
 }
-
-void CVantrelDlg::ReleaseArrays() {
-    double** arrays[] = {&m_pInputs,           &m_pTargets,        &m_pInputWeights,     &m_pOutputWeights,
-                         &m_pWidths,           &m_pCenters,        &m_pInitInputWeights, &m_pInitOutputWeights,
-                         &m_pInitWidths,       &m_pInitCenters,    &m_pOutputs,          &m_pGradient,
-                         &m_pHessian,          &m_pHessianInv,     &m_pParams,           &m_pDelta};
-    for (double** array : arrays) {
-        delete[] *array;
-        *array = nullptr;
-    }
-}

@@ -1,0 +1,130 @@
+#include "workspace/blocks.h"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <new>
+#include <vector>
+
+#include "workspace/workspace.h"
+
+namespace {
+
+// What a block's rows and columns count.
+enum class Extent { Patterns, Inputs, Outputs, Units, UnitsAndBias, Params, One };
+
+struct CBlockShape {
+    Block block;
+    double* CVantrelDlg::*member;
+    Extent rows;
+    Extent columns;
+};
+
+// The shape of every block, in declared order: the one statement of which counts a block follows.
+constexpr CBlockShape kShapes[kBlockCount] = {
+    {Block::Inputs, &CVantrelDlg::m_pInputs, Extent::Patterns, Extent::Inputs},
+    {Block::Targets, &CVantrelDlg::m_pTargets, Extent::Patterns, Extent::Outputs},
+    {Block::InputWeights, &CVantrelDlg::m_pInputWeights, Extent::Units, Extent::Inputs},
+    {Block::OutputWeights, &CVantrelDlg::m_pOutputWeights, Extent::UnitsAndBias, Extent::Outputs},
+    {Block::Widths, &CVantrelDlg::m_pWidths, Extent::Units, Extent::One},
+    {Block::Centers, &CVantrelDlg::m_pCenters, Extent::Units, Extent::Inputs},
+    {Block::InitInputWeights, &CVantrelDlg::m_pInitInputWeights, Extent::Units, Extent::Inputs},
+    {Block::InitOutputWeights, &CVantrelDlg::m_pInitOutputWeights, Extent::UnitsAndBias, Extent::Outputs},
+    {Block::InitWidths, &CVantrelDlg::m_pInitWidths, Extent::Units, Extent::One},
+    {Block::InitCenters, &CVantrelDlg::m_pInitCenters, Extent::Units, Extent::Inputs},
+    {Block::Outputs, &CVantrelDlg::m_pOutputs, Extent::Patterns, Extent::Outputs},
+    {Block::Gradient, &CVantrelDlg::m_pGradient, Extent::Params, Extent::One},
+    {Block::Hessian, &CVantrelDlg::m_pHessian, Extent::Params, Extent::Params},
+    {Block::HessianInv, &CVantrelDlg::m_pHessianInv, Extent::Params, Extent::Params},
+    {Block::Params, &CVantrelDlg::m_pParams, Extent::Params, Extent::One},
+    {Block::Delta, &CVantrelDlg::m_pDelta, Extent::Params, Extent::One},
+};
+
+constexpr bool InDeclaredOrder() {
+    for (int i = 0; i < kBlockCount; ++i)
+        if (kShapes[i].block != static_cast<Block>(i)) return false;
+    return true;
+}
+static_assert(InDeclaredOrder(), "a block's shape stands at the place of its name");
+
+const CBlockShape& ShapeOf(Block block) { return kShapes[static_cast<int>(block)]; }
+
+std::size_t CountOf(Extent extent, const CBlockCounts& counts) {
+    switch (extent) {
+        case Extent::Patterns: return counts.patterns;
+        case Extent::Inputs: return counts.inputs;
+        case Extent::Outputs: return counts.outputs;
+        case Extent::Units: return counts.units;
+        case Extent::UnitsAndBias: return counts.units + 1;
+        case Extent::Params: return counts.params;
+        case Extent::One: return 1;
+    }
+    return 0;
+}
+
+// New blocks for the named ones, each starting with up to keep(old size) elements of the old block; then the
+// old ones go and the new ones take their places.
+void Renew(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts, bool keepOld) {
+    const CBlockCounts now = CountsOf(dlg);
+    std::vector<std::unique_ptr<double[]>> fresh;
+    fresh.reserve(blocks.size());
+    for (Block block : blocks) {
+        const std::size_t size = BlockSize(block, counts);
+        fresh.emplace_back(AllocateBlock(size));
+        const double* old = dlg.*ShapeOf(block).member;
+        if (keepOld && old) std::copy_n(old, std::min(size, BlockSize(block, now)), fresh.back().get());
+    }
+    std::size_t k = 0;
+    for (Block block : blocks) {
+        double*& slot = dlg.*ShapeOf(block).member;
+        delete[] slot;
+        slot = fresh[k++].release();
+    }
+}
+
+}  // namespace
+
+CBlockCounts CountsOf(const CVantrelDlg& dlg) {
+    CBlockCounts counts;
+    counts.patterns = dlg.m_nPatterns;
+    counts.inputs = dlg.m_nInputs;
+    counts.outputs = dlg.m_nOutputs;
+    counts.units = dlg.m_nUnits;
+    counts.params = dlg.m_nParams;
+    return counts;
+}
+
+std::size_t BlockSize(Block block, const CBlockCounts& counts) {
+    const CBlockShape& shape = ShapeOf(block);
+    const std::size_t rows = CountOf(shape.rows, counts);
+    const std::size_t columns = CountOf(shape.columns, counts);
+    if (columns != 0 && rows > std::numeric_limits<std::size_t>::max() / sizeof(double) / columns)
+        throw std::bad_alloc();
+    return rows * columns;
+}
+
+double* AllocateBlock(std::size_t count) { return new double[count](); }
+
+void ReplaceBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts) {
+    Renew(dlg, blocks, counts, false);
+}
+
+void GrowBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts) {
+    Renew(dlg, blocks, counts, true);
+}
+
+void ReleaseBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks) {
+    for (Block block : blocks) {
+        double*& slot = dlg.*ShapeOf(block).member;
+        delete[] slot;
+        slot = nullptr;
+    }
+}
+
+void CVantrelDlg::ReleaseArrays() {
+    for (const CBlockShape& shape : kShapes) {
+        double*& slot = this->*shape.member;
+        delete[] slot;
+        slot = nullptr;
+    }
+}
