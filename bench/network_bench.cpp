@@ -20,6 +20,7 @@
 #include "network/reference.h"
 #include "network/samples.h"
 #include "ratio_reporter.h"
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -33,19 +34,10 @@ void Sample(CVantrelDlg& dlg, const benchmark::State& state) {
     MakeSample(dlg, {patterns, kInputs, UnitsForParams(params, kInputs), 0, params});
 }
 
-void Reallocate(double*& block, size_t count) {
-    delete[] block;
-    block = new double[count];
-}
-
 // ---- the three accumulations -------------------------------------------------------------------------------
 
 void PlainAccumulate(CVantrelDlg& dlg) {
-    const size_t n = dlg.m_nParams;
-    Reallocate(dlg.m_pGradient, n);
-    Reallocate(dlg.m_pHessian, n * n);
-    Reallocate(dlg.m_pHessianInv, n * n);
-    std::fill(dlg.m_pHessianInv, dlg.m_pHessianInv + n * n, 0.0);
+    ReplaceBlocks(dlg, {Block::Gradient, Block::Hessian, Block::HessianInv}, CountsOf(dlg));
     reference::Accumulate(ViewOf(dlg, false), dlg.m_nParams, dlg.m_pHessian, dlg.m_pGradient);
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "files/scanner.h"
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -16,15 +17,10 @@ constexpr const char* kNoPatterns = "Data file holds no patterns!";
 constexpr const char* kNoInputs = "Number of Inputs Should Be Larger Than Zero";
 
 // Allocates both pattern arrays or neither.
-bool AllocatePatternArrays(std::size_t inputCount, std::size_t targetCount, double*& inputs, double*& targets) {
-    inputs = nullptr;
-    targets = nullptr;
+bool AllocatePatternArrays(CVantrelDlg& dlg) {
     try {
-        inputs = new double[inputCount];
-        targets = new double[targetCount];
+        ReplaceBlocks(dlg, {Block::Inputs, Block::Targets}, CountsOf(dlg));
     } catch (const std::bad_alloc&) {
-        delete[] inputs;
-        inputs = nullptr;
         return false;
     }
     return true;
@@ -106,10 +102,8 @@ void CVantrelDlg::OnLoadData() {
         return;
     }
 
-    delete[] m_pInputs;
-    m_pInputs = nullptr;
-    delete[] m_pTargets;
-    m_pTargets = nullptr;
+    // The old set goes before the new one is measured, so that memory holds one data set at a time.
+    ReleaseBlocks(*this, {Block::Inputs, Block::Targets});
 
     const CDataSetShape shape = MeasureDataSet(text);
     if (shape.patterns > UINT_MAX || shape.columns > UINT_MAX) {
@@ -127,9 +121,7 @@ void CVantrelDlg::OnLoadData() {
     m_dlgDataSetInfo.DoModal();  // however it ends, the load goes on
     m_bClassification = m_nInputs == 2 && m_dlgDataSetInfo.m_nDataSetType == 0;
 
-    const std::size_t inputRoom = static_cast<std::size_t>(m_nPatterns) * m_nInputs;
-    const std::size_t targetRoom = static_cast<std::size_t>(m_nPatterns) * m_nOutputs;
-    if (!AllocatePatternArrays(inputRoom, targetRoom, m_pInputs, m_pTargets)) {
+    if (!AllocatePatternArrays(*this)) {
         // Nothing was loaded: the counts go back to those of no data, so that no loop walks the missing arrays.
         m_nPatterns = 0;
         m_nInputs = 0;
@@ -139,6 +131,8 @@ void CVantrelDlg::OnLoadData() {
         return;
     }
 
+    const std::size_t inputRoom = BlockSize(Block::Inputs, CountsOf(*this));
+    const std::size_t targetRoom = BlockSize(Block::Targets, CountsOf(*this));
     const std::size_t values = ReadPatternRows(text, m_nInputs, m_pInputs, inputRoom, m_pTargets, targetRoom);
     if (values != inputRoom + targetRoom) {
         MessageBox("Data file is incompleted!", "Error", MB_ICONHAND);

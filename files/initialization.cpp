@@ -5,6 +5,7 @@
 #include <new>
 
 #include "files/paramfile.h"
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -51,26 +52,17 @@ void AppendInitialValueLines(const CInitializationDlg& init, std::vector<CString
 }  // namespace
 
 bool ReplaceNetworkArrays(CVantrelDlg& dlg, UINT units) {
-    const std::size_t u = units;
-    const std::size_t perUnit = u * dlg.m_nInputs;
-    const std::size_t outputs = (u + 1) * dlg.m_nOutputs;
-    double** const slots[] = {&dlg.m_pInputWeights,     &dlg.m_pOutputWeights,     &dlg.m_pWidths,
-                              &dlg.m_pCenters,          &dlg.m_pInitInputWeights, &dlg.m_pInitOutputWeights,
-                              &dlg.m_pInitWidths,       &dlg.m_pInitCenters};
-    const std::size_t sizes[] = {perUnit, outputs, u, perUnit, perUnit, outputs, u, perUnit};
-    double* fresh[8] = {};
-    // The new blocks are all taken before the old ones go, so that a count too large for memory leaves the
-    // network as it was.
+    CBlockCounts counts = CountsOf(dlg);
+    counts.units = units;
+    // A count too large for memory leaves the network as it was.
     try {
-        for (int k = 0; k < 8; ++k) fresh[k] = new double[sizes[k]]();
+        ReplaceBlocks(dlg,
+                      {Block::InputWeights, Block::OutputWeights, Block::Widths, Block::Centers,
+                       Block::InitInputWeights, Block::InitOutputWeights, Block::InitWidths, Block::InitCenters},
+                      counts);
     } catch (const std::bad_alloc&) {
-        for (double* block : fresh) delete[] block;
         dlg.MessageBox("Number of RBF units is too large!", "Error", MB_ICONHAND);
         return false;
-    }
-    for (int k = 0; k < 8; ++k) {
-        delete[] *slots[k];
-        *slots[k] = fresh[k];
     }
     dlg.m_nUnits = units;
     return true;

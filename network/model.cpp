@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "network/network.h"
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 bool IsImprovedAlgorithm(int nAlgorithm) { return nAlgorithm == 1 || nAlgorithm == 4; }
@@ -72,12 +73,11 @@ double AverageError(const CVantrelDlg& dlg, double* outputs) {
 }  // namespace
 
 void CVantrelDlg::PackParameters() {
-    delete[] m_pParams;
-    delete[] m_pDelta;
     const CParamLayout layout = LayoutOf(*this);
+    CBlockCounts counts = CountsOf(*this);
+    counts.params = layout.Count();
+    ReplaceBlocks(*this, {Block::Params, Block::Delta}, counts);
     m_nParams = layout.Count();
-    m_pParams = new double[m_nParams];
-    m_pDelta = new double[m_nParams];
 
     const UINT weights = m_nUnits * m_nInputs;
     CopyBlock(m_pParams, m_pOutputWeights, layout.OutputWeightCount());

@@ -4,17 +4,8 @@
 #include <cmath>
 #include <random>
 
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
-
-namespace {
-
-double* Fresh(double*& block, size_t count) {
-    delete[] block;
-    block = new double[count];
-    return block;
-}
-
-}  // namespace
 
 void MakeSample(CVantrelDlg& dlg, const CSampleShape& shape) {
     std::mt19937 random(shape.seed);
@@ -26,19 +17,22 @@ void MakeSample(CVantrelDlg& dlg, const CSampleShape& shape) {
     dlg.m_nUnits = shape.nUnits;
     dlg.m_nAlgorithm = shape.nAlgorithm;
 
-    double* inputs = Fresh(dlg.m_pInputs, P * n);
-    double* targets = Fresh(dlg.m_pTargets, P);
+    ReplaceBlocks(dlg,
+                  {Block::Inputs, Block::Targets, Block::Outputs, Block::InputWeights, Block::OutputWeights,
+                   Block::Widths, Block::Centers},
+                  CountsOf(dlg));
+    double* inputs = dlg.m_pInputs;
+    double* targets = dlg.m_pTargets;
     for (size_t p = 0; p < P; ++p) {
         double sum = 0.0;
         for (size_t i = 0; i < n; ++i) sum += inputs[p * n + i] = unit(random);
         targets[p] = std::sin(3.0 * sum);
     }
-    Fresh(dlg.m_pOutputs, P);
 
-    double* V = Fresh(dlg.m_pInputWeights, u * n);
-    double* W = Fresh(dlg.m_pOutputWeights, u + 1);
-    double* S = Fresh(dlg.m_pWidths, u);
-    double* C = Fresh(dlg.m_pCenters, u * n);
+    double* V = dlg.m_pInputWeights;
+    double* W = dlg.m_pOutputWeights;
+    double* S = dlg.m_pWidths;
+    double* C = dlg.m_pCenters;
     W[0] = 0.1 * unit(random);
     for (size_t h = 0; h < u; ++h) {
         W[h + 1] = unit(random);

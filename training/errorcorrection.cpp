@@ -7,62 +7,34 @@
 #include "platform/uiqueue.h"
 #include "training/runframe.h"
 #include "training/training.h"
-
-namespace {
-
-// A block of newCount doubles holding the first oldCount of old, the rest filled with fill.
-std::unique_ptr<double[]> GrownCopy(const double* old, size_t oldCount, size_t newCount, double fill) {
-    std::unique_ptr<double[]> block(new double[newCount]);
-    if (oldCount > 0) std::copy(old, old + oldCount, block.get());
-    std::fill(block.get() + oldCount, block.get() + newCount, fill);
-    return block;
-}
-
-}  // namespace
+#include "workspace/blocks.h"
 
 void CVantrelDlg::ResetNetwork() {
-    // The new blocks come first, so that a failed allocation leaves the old network whole.
-    std::unique_ptr<double[]> inputWeights(new double[0]), widths(new double[0]), centers(new double[0]);
-    std::unique_ptr<double[]> outputWeights(new double[1]);
-    std::unique_ptr<double[]> outputs(new double[m_nPatterns]);
-    outputWeights[0] = 1.0;
-    std::fill(outputs.get(), outputs.get() + m_nPatterns, 0.0);
-    delete[] m_pInputWeights;
-    delete[] m_pOutputWeights;
-    delete[] m_pWidths;
-    delete[] m_pCenters;
-    delete[] m_pOutputs;
-    m_pInputWeights = inputWeights.release();
-    m_pWidths = widths.release();
-    m_pCenters = centers.release();
-    m_pOutputWeights = outputWeights.release();
-    m_pOutputs = outputs.release();
+    // The blocks are replaced whole, so a failed allocation leaves the old network as it was.
+    CBlockCounts counts = CountsOf(*this);
+    counts.units = 0;
+    ReplaceBlocks(*this, {Block::InputWeights, Block::OutputWeights, Block::Widths, Block::Centers, Block::Outputs},
+                  counts);
+    std::fill(m_pOutputWeights, m_pOutputWeights + m_nOutputs, 1.0);
     m_nUnits = 0;
 }
 
 void CVantrelDlg::AddUnitAtWorstPattern() {
-    const size_t oldUnits = m_nUnits, units = oldUnits + 1, n = m_nInputs;
+    const size_t oldUnits = m_nUnits, n = m_nInputs, outputs = m_nOutputs;
     const UINT worst = FindWorstPattern();
-    // All four blocks exist before the workspace changes, so a failed allocation leaves it as it was.
-    auto inputWeights = GrownCopy(m_pInputWeights, oldUnits * n, units * n, 1.0);
-    auto outputWeights = GrownCopy(m_pOutputWeights, oldUnits + 1, units + 1, 1.0);
-    auto widths = GrownCopy(m_pWidths, oldUnits, units, 1.0);
-    auto centers = GrownCopy(m_pCenters, oldUnits * n, units * n, 0.0);
-    std::copy(m_pInputs + worst * n, m_pInputs + (worst + 1) * n, centers.get() + oldUnits * n);
+    CBlockCounts counts = CountsOf(*this);
+    counts.units = oldUnits + 1;
+    GrowBlocks(*this, {Block::InputWeights, Block::OutputWeights, Block::Widths, Block::Centers}, counts);
+    // The new unit: weights and width 1, centred on the worst pattern.
+    std::fill_n(m_pInputWeights + oldUnits * n, n, 1.0);
+    std::fill_n(m_pOutputWeights + (oldUnits + 1) * outputs, outputs, 1.0);
+    m_pWidths[oldUnits] = 1.0;
+    std::copy_n(m_pInputs + worst * n, n, m_pCenters + oldUnits * n);
 
-    m_nUnits = static_cast<UINT>(units);
+    m_nUnits = static_cast<UINT>(oldUnits + 1);
     CString text;
     text.Format("%d", static_cast<int>(m_nUnits));
     training::SetItemText(*this, IDC_CURRENT_RBF_UNITS, text);
-
-    delete[] m_pInputWeights;
-    delete[] m_pOutputWeights;
-    delete[] m_pWidths;
-    delete[] m_pCenters;
-    m_pInputWeights = inputWeights.release();
-    m_pOutputWeights = outputWeights.release();
-    m_pWidths = widths.release();
-    m_pCenters = centers.release();
 }
 
 namespace training {

@@ -9,6 +9,7 @@
 
 #include "network/samples.h"
 #include "platform/clock.h"
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -18,11 +19,8 @@ void Prepare(CVantrelDlg& dlg, UINT patterns, UINT inputs, UINT units) {
     MakeSample(dlg, {patterns, inputs, units, 0, 1});
     for (UINT p = 0; p < patterns; ++p)
         for (UINT i = 0; i < inputs; ++i) dlg.m_pInputs[p * inputs + i] = p + 0.5 * i;
-    const size_t u = units, n = inputs;
-    dlg.m_pInitInputWeights = new double[u * n];
-    dlg.m_pInitOutputWeights = new double[u + 1];
-    dlg.m_pInitWidths = new double[u];
-    dlg.m_pInitCenters = new double[u * n];
+    ReplaceBlocks(dlg, {Block::InitInputWeights, Block::InitOutputWeights, Block::InitWidths, Block::InitCenters},
+                  CountsOf(dlg));
 }
 
 double Draw(double a, double b) { return (b - a) * ((std::rand() % 10000) * 0.0001) + a; }

@@ -13,6 +13,7 @@
 #include "network/matrix.h"
 #include "network/reference.h"
 #include "network_test_support.h"
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -20,10 +21,7 @@ namespace {
 // Puts matrix into m_pHessian (and a cleared m_pHessianInv) of size n.
 void SetHessian(CVantrelDlg& dlg, const std::vector<double>& matrix, int n) {
     dlg.m_nParams = n;
-    delete[] dlg.m_pHessian;
-    delete[] dlg.m_pHessianInv;
-    dlg.m_pHessian = new double[matrix.size()];
-    dlg.m_pHessianInv = new double[matrix.size()]();
+    ReplaceBlocks(dlg, {Block::Hessian, Block::HessianInv}, CountsOf(dlg));
     std::copy(matrix.begin(), matrix.end(), dlg.m_pHessian);
 }
 

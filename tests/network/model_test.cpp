@@ -6,6 +6,7 @@
 
 #include "network/network.h"
 #include "network/samples.h"
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -16,13 +17,15 @@ void OneUnitNetwork(CVantrelDlg& dlg, double target) {
     dlg.m_nInputs = 1;
     dlg.m_nOutputs = 1;
     dlg.m_nUnits = 1;
-    dlg.m_pInputs = new double[1]{1.0};
-    dlg.m_pTargets = new double[1]{target};
-    dlg.m_pOutputs = new double[1]{0.0};
-    dlg.m_pInputWeights = new double[1]{1.0};
-    dlg.m_pCenters = new double[1]{0.0};
-    dlg.m_pWidths = new double[1]{2.0};
-    dlg.m_pOutputWeights = new double[2]{0.0, 1.0};
+    ReplaceBlocks(dlg,
+                  {Block::Inputs, Block::Targets, Block::Outputs, Block::InputWeights, Block::Centers, Block::Widths,
+                   Block::OutputWeights},
+                  CountsOf(dlg));
+    dlg.m_pInputs[0] = 1.0;
+    dlg.m_pTargets[0] = target;
+    dlg.m_pInputWeights[0] = 1.0;
+    dlg.m_pWidths[0] = 2.0;
+    dlg.m_pOutputWeights[1] = 1.0;
 }
 
 std::vector<double> Copy(const double* block, size_t count) { return std::vector<double>(block, block + count); }

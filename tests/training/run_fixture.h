@@ -15,6 +15,7 @@
 #include "platform/files.h"
 #include "platform/scripted.h"
 #include "platform/uiqueue.h"
+#include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 class TrainingRun : public ::testing::Test {
@@ -41,10 +42,7 @@ protected:
         m_dlg.m_nPatterns = static_cast<UINT>(rows.size());
         m_dlg.m_nInputs = inputs;
         m_dlg.m_nOutputs = 1;
-        delete[] m_dlg.m_pInputs;
-        delete[] m_dlg.m_pTargets;
-        m_dlg.m_pInputs = new double[rows.size() * inputs];
-        m_dlg.m_pTargets = new double[rows.size()];
+        ReplaceBlocks(m_dlg, {Block::Inputs, Block::Targets}, CountsOf(m_dlg));
         for (size_t p = 0; p < rows.size(); ++p) {
             for (UINT i = 0; i < inputs; ++i) m_dlg.m_pInputs[p * inputs + i] = rows[p][i];
             m_dlg.m_pTargets[p] = rows[p][inputs];
@@ -56,6 +54,10 @@ protected:
     void SetNetwork(const std::vector<double>& inputWeights, const std::vector<double>& outputWeights,
                     const std::vector<double>& widths, const std::vector<double>& centers) {
         m_dlg.m_nUnits = static_cast<UINT>(widths.size());
+        ReplaceBlocks(m_dlg,
+                      {Block::InputWeights, Block::OutputWeights, Block::Widths, Block::Centers,
+                       Block::InitInputWeights, Block::InitOutputWeights, Block::InitWidths, Block::InitCenters},
+                      CountsOf(m_dlg));
         Store(m_dlg.m_pInputWeights, inputWeights);
         Store(m_dlg.m_pOutputWeights, outputWeights);
         Store(m_dlg.m_pWidths, widths);
@@ -126,9 +128,7 @@ protected:
     std::string m_dir;
 
 private:
-    static void Store(double*& array, const std::vector<double>& values) {
-        delete[] array;
-        array = new double[values.size() + 1];  // never a block of 0: a network without units still gets one
-        for (size_t k = 0; k < values.size(); ++k) array[k] = values[k];
+    static void Store(double* array, const std::vector<double>& values) {
+        std::copy(values.begin(), values.end(), array);
     }
 };

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "training/training.h"
+#include "workspace/blocks.h"
 
 namespace {
 
@@ -18,11 +19,8 @@ using training::DampedStepResult;
 // Gives the workspace a parameter vector of n elements with its scratch arrays.
 void AllocateParams(CVantrelDlg& dlg, UINT n) {
     dlg.m_nParams = n;
-    dlg.m_pParams = new double[n]();
-    dlg.m_pDelta = new double[n]();
-    dlg.m_pGradient = new double[n]();
-    dlg.m_pHessian = new double[n * n]();
-    dlg.m_pHessianInv = new double[n * n]();
+    ReplaceBlocks(dlg, {Block::Params, Block::Delta, Block::Gradient, Block::Hessian, Block::HessianInv},
+                  CountsOf(dlg));
 }
 
 // ---- first-order step -------------------------------------------------------------------------------------
