@@ -26,23 +26,6 @@ bool AllocatePatternArrays(CVantrelDlg& dlg) {
     return true;
 }
 
-// The patterns of a two-input classification set go to the data plot; its grid waits for a run.
-void FeedPatternsToPlot(CVantrelDlg& dlg) {
-    CDataPlot& plot = dlg.m_dataPlot;
-    auto lock = plot.SeriesLock();
-    plot.m_arrPatternX.SetSize(0);
-    plot.m_arrPatternY.SetSize(0);
-    plot.m_arrPatternClass.SetSize(0);
-    plot.m_arrGridX.SetSize(0);
-    plot.m_arrGridY.SetSize(0);
-    plot.m_arrGridValue.SetSize(0);
-    for (UINT p = 0; p < dlg.m_nPatterns; ++p) {
-        plot.m_arrPatternX.Add(dlg.m_pInputs[static_cast<std::size_t>(p) * dlg.m_nInputs]);
-        plot.m_arrPatternY.Add(dlg.m_pInputs[static_cast<std::size_t>(p) * dlg.m_nInputs + 1]);
-        plot.m_arrPatternClass.Add(dlg.m_pTargets[p]);
-    }
-}
-
 }  // namespace
 
 CDataSetShape MeasureDataSet(std::string_view text) {
@@ -149,7 +132,8 @@ void CVantrelDlg::OnLoadData() {
         return;
     }
 
-    if (m_bClassification) FeedPatternsToPlot(*this);
+    // The patterns of a two-input classification set go to the data plot; its grid waits for a run.
+    if (m_bClassification) m_dataPlot.SetPatterns(m_pInputs, m_nInputs, m_pTargets, m_nPatterns);
     m_dataPlot.RefreshDataPlot(m_bClassification);
 
     m_bDataLoaded = true;

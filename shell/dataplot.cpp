@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "shell/plots.h"
+#include "workspace/plots.h"
 
 namespace {
 

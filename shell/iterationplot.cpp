@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "shell/plotaxes.h"
-#include "shell/plots.h"
+#include "workspace/plots.h"
 
 using namespace plotaxes;
 

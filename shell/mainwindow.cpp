@@ -24,18 +24,6 @@ const char* const kWelcomeLines[] = {
 
 constexpr int kMaxInfoLines = 2000;
 
-// Empties the series of both curve plots, each under its plot's lock.
-void EmptyCurves(CVantrelDlg& dlg) {
-    {
-        auto lock = dlg.m_iterationPlot.SeriesLock();
-        dlg.m_iterationPlot.m_arrX.SetSize(0);
-        dlg.m_iterationPlot.m_arrY.SetSize(0);
-    }
-    auto lock = dlg.m_summaryPlot.SeriesLock();
-    dlg.m_summaryPlot.m_arrX.SetSize(0);
-    dlg.m_summaryPlot.m_arrY.SetSize(0);
-}
-
 }  // namespace
 
 BEGIN_MESSAGE_MAP(CVantrelDlg, CDialog)
@@ -171,7 +159,8 @@ void CVantrelDlg::ApplyAlgorithmRules() {
 }
 
 void CVantrelDlg::OnClearCurves() {
-    EmptyCurves(*this);
+    m_iterationPlot.ClearSeries();
+    m_summaryPlot.ClearSeries();
     m_iterationPlot.Redraw();
     m_summaryPlot.Redraw();
 }
@@ -192,14 +181,9 @@ void CVantrelDlg::OnClose() {
     GetDlgItem(IDC_START_TRAINING)->EnableWindow(FALSE);
     AfxWaitForWorkers();
     ReleaseArrays();
-    {
-        auto lock = m_dataPlot.SeriesLock();
-        CDoubleArray* series[] = {&m_dataPlot.m_arrPatternX, &m_dataPlot.m_arrPatternY,
-                                  &m_dataPlot.m_arrPatternClass, &m_dataPlot.m_arrGridX,
-                                  &m_dataPlot.m_arrGridY, &m_dataPlot.m_arrGridValue};
-        for (CDoubleArray* s : series) s->SetSize(0);
-    }
-    EmptyCurves(*this);
+    m_dataPlot.ClearSeries();
+    m_iterationPlot.ClearSeries();
+    m_summaryPlot.ClearSeries();
     Default();
 }
 

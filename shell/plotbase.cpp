@@ -1,5 +1,5 @@
 // What the three plots share: the repaint request and the buffered paint.
-#include "shell/plots.h"
+#include "workspace/plots.h"
 
 // InvalidateRect with no rectangle is the whole client area; it reads no geometry, so the worker may call it.
 void CPlotBase::Redraw() { InvalidateRect(nullptr, TRUE); }

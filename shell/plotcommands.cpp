@@ -1,6 +1,5 @@
 // The plots' right-button menus and range commands of the main window, and the range dialogs' data exchange.
 #include "platform/window.h"
-#include "shell/plots.h"
 #include "workspace/dialogs.h"
 #include "workspace/workspace.h"
 
@@ -13,19 +12,14 @@ RECT ScreenRectOf(const CWnd& dialog, int id) {
     return rect;
 }
 
-// Shows a pair of exponent bounds in the dialog, and takes them back only after OK. The plot's lock is held
-// while its values are read and written, never while the dialog is open: a run goes on meanwhile.
-void EditBounds(CPlotBase& plot, CRangeDlg& dialog, double& lower, double& upper) {
-    {
-        auto lock = plot.SeriesLock();
-        dialog.m_dLower = lower;
-        dialog.m_dUpper = upper;
-    }
-    if (dialog.DoModal() == IDOK) {
-        auto lock = plot.SeriesLock();
-        lower = dialog.m_dLower;
-        upper = dialog.m_dUpper;
-    }
+// Shows a pair of exponent bounds in the dialog, and stores them back only after OK. A run goes on while the
+// dialog is open.
+template <class Plot>
+void EditBounds(Plot& plot, CRangeDlg& dialog, CAxisRange (Plot::*get)(), void (Plot::*set)(const CAxisRange&)) {
+    const CAxisRange range = (plot.*get)();
+    dialog.m_dLower = range.lower;
+    dialog.m_dUpper = range.upper;
+    if (dialog.DoModal() == IDOK) (plot.*set)(CAxisRange{dialog.m_dLower, dialog.m_dUpper});
     plot.Redraw();
 }
 
@@ -52,26 +46,21 @@ void CVantrelDlg::OnRButtonDown(UINT /*nFlags*/, CPoint point) {
 }
 
 void CVantrelDlg::OnIterationXRange() {
-    EditBounds(m_iterationPlot, m_dlgIterationXRange, m_iterationPlot.m_dXMin, m_iterationPlot.m_dXMax);
+    EditBounds(m_iterationPlot, m_dlgIterationXRange, &CIterationPlot::XRange, &CIterationPlot::SetXRange);
 }
 
 void CVantrelDlg::OnIterationYRange() {
-    EditBounds(m_iterationPlot, m_dlgIterationYRange, m_iterationPlot.m_dYMin, m_iterationPlot.m_dYMax);
+    EditBounds(m_iterationPlot, m_dlgIterationYRange, &CIterationPlot::YRange, &CIterationPlot::SetYRange);
 }
 
 void CVantrelDlg::OnSummaryYRange() {
-    EditBounds(m_summaryPlot, m_dlgSummaryYRange, m_summaryPlot.m_dYMin, m_summaryPlot.m_dYMax);
+    EditBounds(m_summaryPlot, m_dlgSummaryYRange, &CSummaryPlot::YRange, &CSummaryPlot::SetYRange);
 }
 
 void CVantrelDlg::OnSummaryXRange() {
-    {
-        auto lock = m_summaryPlot.SeriesLock();
-        m_dlgSummaryXRange.m_nMultiplier = static_cast<UINT>(m_summaryPlot.m_nMultiplier);
-    }
-    if (m_dlgSummaryXRange.DoModal() == IDOK) {
-        auto lock = m_summaryPlot.SeriesLock();
-        m_summaryPlot.m_nMultiplier = static_cast<int>(m_dlgSummaryXRange.m_nMultiplier);
-    }
+    m_dlgSummaryXRange.m_nMultiplier = static_cast<UINT>(m_summaryPlot.Multiplier());
+    if (m_dlgSummaryXRange.DoModal() == IDOK)
+        m_summaryPlot.SetMultiplier(static_cast<int>(m_dlgSummaryXRange.m_nMultiplier));
     m_summaryPlot.Redraw();
 }
 

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "shell/plotaxes.h"
-#include "shell/plots.h"
+#include "workspace/plots.h"
 
 using namespace plotaxes;
 

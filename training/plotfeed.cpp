@@ -1,6 +1,4 @@
-// Feeding the three plots from a run. A paint on the window's thread reads the series under the plot's lock,
-// so a series is rebuilt under that lock; the refresh operations take it themselves and are called after it
-// is released.
+// Feeding the three plots from a run: each plot's own operations change its series under its lock.
 #include <cmath>
 #include <vector>
 
@@ -8,23 +6,6 @@
 
 namespace training {
 namespace {
-
-// Appends (index + 1, errors[index]) for every element: the curves start at x = 1.
-void AppendCurve(CDoubleArray& xs, CDoubleArray& ys, const CDoubleArray& errors) {
-    const int base = xs.GetSize();
-    const int n = errors.GetSize();
-    xs.SetSize(base + n);
-    ys.SetSize(base + n);
-    for (int i = 0; i < n; ++i) {
-        xs.m_pData[base + i] = i + 1;
-        ys.m_pData[base + i] = errors.GetAt(i);
-    }
-}
-
-void CopyInto(CDoubleArray& target, const std::vector<double>& values) {
-    target.SetSize(static_cast<int>(values.size()));
-    for (size_t i = 0; i < values.size(); ++i) target.m_pData[i] = values[i];
-}
 
 // The coordinates of one side of the grid: from min - 3 steps while at most max + 3 steps, by adding the
 // step. A step or bound that isn't a finite positive number would never end the walk, so it gives no grid.
@@ -43,38 +24,20 @@ std::vector<double> GridLine(double minValue, double maxValue, double step) {
 }  // namespace
 
 void FeedIterationPlot(CVantrelDlg& dlg, const CDoubleArray& errors, bool restart, int refreshMode) {
-    CIterationPlot& plot = dlg.m_iterationPlot;
-    {
-        auto lock = plot.SeriesLock();
-        if (restart) {
-            plot.m_arrX.SetSize(0);
-            plot.m_arrY.SetSize(0);
-        }
-        AppendCurve(plot.m_arrX, plot.m_arrY, errors);
-    }
-    plot.RefreshIterationPlot(refreshMode);
+    dlg.m_iterationPlot.AppendCurve(errors, restart);
+    dlg.m_iterationPlot.RefreshIterationPlot(refreshMode);
 }
 
 void FeedSummaryPlot(CVantrelDlg& dlg, const CDoubleArray& errors, int multiplier, int mode) {
-    CSummaryPlot& plot = dlg.m_summaryPlot;
-    {
-        auto lock = plot.SeriesLock();
-        plot.m_arrX.SetSize(0);
-        plot.m_arrY.SetSize(0);
-        AppendCurve(plot.m_arrX, plot.m_arrY, errors);
-    }
-    plot.SetSummaryAxis(multiplier, mode);
+    dlg.m_summaryPlot.SetPoints(errors);
+    dlg.m_summaryPlot.SetSummaryAxis(multiplier, mode);
 }
 
 void FeedDataPlot(CVantrelDlg& dlg) {
-    CDataPlot& plot = dlg.m_dataPlot;
-    std::vector<double> xs, ys;
-    {
-        auto lock = plot.SeriesLock();
-        xs = GridLine(plot.m_dMinX, plot.m_dMaxX, plot.m_dStepX);
-        ys = GridLine(plot.m_dMinY, plot.m_dMaxY, plot.m_dStepY);
-    }
-    // The network is evaluated without the lock, so that a paint never waits for the whole sweep.
+    const CDataPlot::CPatternBounds bounds = dlg.m_dataPlot.PatternBounds();
+    const std::vector<double> xs = GridLine(bounds.minX, bounds.maxX, bounds.stepX);
+    const std::vector<double> ys = GridLine(bounds.minY, bounds.maxY, bounds.stepY);
+    // The network is evaluated outside the plot's lock, so that a paint never waits for the whole sweep.
     std::vector<double> gridX, gridY, values;
     gridX.reserve(xs.size() * ys.size());
     gridY.reserve(xs.size() * ys.size());
@@ -85,13 +48,8 @@ void FeedDataPlot(CVantrelDlg& dlg) {
             gridY.push_back(y);
             values.push_back(dlg.EvaluatePoint(x, y));
         }
-    {
-        auto lock = plot.SeriesLock();
-        CopyInto(plot.m_arrGridX, gridX);
-        CopyInto(plot.m_arrGridY, gridY);
-        CopyInto(plot.m_arrGridValue, values);
-    }
-    plot.Redraw();
+    dlg.m_dataPlot.SetGrid(gridX, gridY, values);
+    dlg.m_dataPlot.Redraw();
 }
 
 }  // namespace training

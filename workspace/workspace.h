@@ -9,9 +9,9 @@
 #include <atomic>
 
 #include "platform/window.h"
-#include "shell/plots.h"
 #include "workspace/dialogs.h"
 #include "workspace/doublearray.h"
+#include "workspace/plots.h"
 
 class CVantrelDlg : public CDialog {
 public:

@@ -26,10 +26,7 @@ TEST_F(LoadDataTest, SampleOneDimensionalSetLoadsAsApproximation) {
 }
 
 TEST_F(LoadDataTest, TwoInputClassificationSetFeedsTheDataPlot) {
-    {
-        auto lock = dlg.m_dataPlot.SeriesLock();
-        dlg.m_dataPlot.m_arrGridX.SetSize(5);  // the grid of an earlier run
-    }
+    dlg.m_dataPlot.SetGrid({1, 2}, {1, 2}, {0, 1});  // the grid of an earlier run
     LoadData(Sample("twomoons.txt"));
     ASSERT_TRUE(dlg.m_bDataLoaded);
     EXPECT_TRUE(dlg.m_bClassification);

@@ -37,13 +37,9 @@ protected:
 }  // namespace
 
 TEST_F(PlotPaint, IterationPlotPaintsItsFrameAndCurveInClientCoordinates) {
-    {
-        auto lock = m_dlg.m_iterationPlot.SeriesLock();
-        for (int i = 0; i < 1000; ++i) {
-            m_dlg.m_iterationPlot.m_arrX.Add(i + 1);
-            m_dlg.m_iterationPlot.m_arrY.Add(1.0 / (i + 1));
-        }
-    }
+    CDoubleArray errors;
+    for (int i = 0; i < 1000; ++i) errors.Add(1.0 / (i + 1));
+    m_dlg.m_iterationPlot.AppendCurve(errors, true);
     m_dlg.m_iterationPlot.RefreshIterationPlot(0);
     RECT client;
     m_dlg.m_iterationPlot.GetClientRect(&client);

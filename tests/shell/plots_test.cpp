@@ -4,11 +4,12 @@
 #include <QDir>
 #include <QImage>
 #include <atomic>
+#include <chrono>
 #include <cmath>
 #include <limits>
 #include <thread>
 
-#include "shell/plots.h"
+#include "workspace/plots.h"
 
 namespace {
 
@@ -427,36 +428,26 @@ TEST(DataPlotPicture, OnePatternOrAConstantInputDrawsAtTheMiddle) {
 
 // ---- threads --------------------------------------------------------------------------------------------
 
-TEST(PlotSeriesLock, PaintUnderTheLockNeverMeetsHalfASeries) {
-    CIterationPlot plot;
-    std::atomic<bool> stop{false};
+// A plot that lets the test stand in for a feeder caught in the middle of rebuilding the series.
+class HeldPlot : public CIterationPlot {
+public:
+    using CPlotBase::SeriesLock;
+};
+
+TEST(PlotSeriesLock, PaintWaitsForAFeederInTheMiddleOfTheSeries) {
+    HeldPlot plot;
+    std::atomic<bool> holding{false};
+    std::atomic<bool> finished{false};
     std::thread feeder([&] {
-        for (int round = 0; !stop; ++round) {
-            {
-                auto lock = plot.SeriesLock();
-                plot.m_arrX.SetSize(0);
-                plot.m_arrY.SetSize(0);
-                for (int i = 0; i < 300; ++i) {
-                    plot.m_arrX.Add(i + 1);
-                    plot.m_arrY.Add(1.0 / (i + 1 + round));
-                }
-            }
-            plot.RefreshIterationPlot(round % 3);
-        }
-    });
-    for (int paint = 0; paint < 100; ++paint) {
-        CDC dc;
-        dc.CreateCompatibleDC(nullptr);
-        CBitmap bitmap;
-        bitmap.CreateCompatibleBitmap(&dc, kWidth, kHeight);
-        dc.SelectObject(&bitmap);
         auto lock = plot.SeriesLock();
-        if (plot.m_arrX.GetSize() != plot.m_arrY.GetSize()) {
-            ADD_FAILURE() << "a paint met a half-built series";
-            break;
-        }
-        plot.DrawAll(&dc, RECT{0, 0, kWidth, kHeight});
-    }
-    stop = true;
+        plot.m_arrX.Add(1.0);  // half a pair: y is still to come
+        holding = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        plot.m_arrY.Add(0.5);
+        finished = true;
+    });
+    while (!holding) std::this_thread::yield();
+    plot.OnPaint();
+    EXPECT_TRUE(finished) << "the paint read the series while a feeder was rebuilding them";
     feeder.join();
 }

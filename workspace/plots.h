@@ -1,26 +1,38 @@
 // The three plots of the main window: error against iterations, error against trials or units, and the
 // patterns of a two-input classification set over the network's decision regions.
 //
-// Runs write the series directly and then call a refresh operation. Each plot guards its series with its own
-// mutex: a feeder holds it (SeriesLock) while it rebuilds the series, a paint while it reads them, so a paint
-// never meets half a series. Refresh operations take the lock themselves; call them after releasing it.
+// Each plot owns its series and guards them with its own mutex. Feeders and handlers change them only through
+// the operations below, each of which takes the lock, and a paint holds it while it reads them, so a paint
+// never meets half a series. Others may read the series and ranges only while no run is under way.
+//
+// The operations on the series live in plotseries.cpp; the painting, the refresh operations and the fitting
+// of the ranges belong to the window and live with it.
 #pragma once
 
 #include <functional>
 #include <mutex>
+#include <vector>
 
 #include "platform/drawing.h"
 #include "platform/window.h"
 #include "workspace/doublearray.h"
 
+// The two ends of an axis, as exponents of ten on a logarithmic axis.
+struct CAxisRange {
+    double lower;
+    double upper;
+};
+
 class CPlotBase : public CStatic {
 public:
-    std::unique_lock<std::mutex> SeriesLock() { return std::unique_lock<std::mutex>(m_seriesMutex); }
     bool PaintsItself() const override { return true; }
     // Repaints the whole client area. Safe from the worker.
     void Redraw();
 
 protected:
+    std::unique_lock<std::mutex> SeriesLock() { return std::unique_lock<std::mutex>(m_seriesMutex); }
+    CAxisRange LockedRange(const double& lower, const double& upper);
+    void SetLockedRange(double& lower, double& upper, const CAxisRange& range);
     // The paint of every plot: a memory DC and a bitmap of the client's size, draw(dc, client) into it under
     // the series lock, one BitBlt to the screen, then bitmap and DC are deleted.
     void PaintBuffered(const std::function<void(CDC*, const RECT&)>& draw);
@@ -31,6 +43,13 @@ protected:
 class CIterationPlot : public CPlotBase {
 public:
     CIterationPlot();
+    // Appends (i + 1, errors[i]) for every error; restart empties the series first (One Curve).
+    void AppendCurve(const CDoubleArray& errors, bool restart);
+    void ClearSeries();
+    CAxisRange XRange();
+    void SetXRange(const CAxisRange& range);
+    CAxisRange YRange();
+    void SetYRange(const CAxisRange& range);
     // Sets the mode, widens (modes 0, 1) or fits (mode 2) the ranges to the series, repaints.
     void RefreshIterationPlot(int nMode);
     void OnPaint() override;
@@ -59,6 +78,13 @@ private:
 class CSummaryPlot : public CPlotBase {
 public:
     CSummaryPlot();
+    // The series become (i + 1, errors[i]) for every error.
+    void SetPoints(const CDoubleArray& errors);
+    void ClearSeries();
+    CAxisRange YRange();
+    void SetYRange(const CAxisRange& range);
+    int Multiplier();
+    void SetMultiplier(int nMultiplier);
     // Sets multiplier and mode, widens the y range to the series, repaints.
     void SetSummaryAxis(int nMultiplier, int nMode);
     void OnPaint() override;
@@ -84,7 +110,21 @@ private:
 
 class CDataPlot : public CPlotBase {
 public:
+    // Where the patterns lie and how many data units a pixel holds: what the grid of a run is swept over.
+    struct CPatternBounds {
+        double minX, maxX, stepX;
+        double minY, maxY, stepY;
+    };
+
     CDataPlot();
+    // The patterns become (inputs[p * nInputs], inputs[p * nInputs + 1], targets[p]) for each of count
+    // patterns of two or more inputs; the grid is emptied until a run sweeps it anew.
+    void SetPatterns(const double* inputs, std::size_t nInputs, const double* targets, std::size_t count);
+    // The grid becomes the points (xs[i], ys[i]) with the network's outputs values[i].
+    void SetGrid(const std::vector<double>& xs, const std::vector<double>& ys, const std::vector<double>& values);
+    CPatternBounds PatternBounds();
+    // Empties all six series.
+    void ClearSeries();
     // true: show the patterns, with bounds and steps computed from them; false: show the notice.
     void RefreshDataPlot(bool bShow);
     void OnPaint() override;

@@ -1,0 +1,125 @@
+// The operations through which feeders and handlers change the plots' series and ranges, each under the plot's
+// lock.
+#include "workspace/plots.h"
+
+namespace {
+
+// Appends (index + 1, errors[index]) for every element: the curves start at x = 1.
+void AppendPairs(CDoubleArray& xs, CDoubleArray& ys, const CDoubleArray& errors) {
+    const int base = xs.GetSize();
+    const int n = errors.GetSize();
+    xs.SetSize(base + n);
+    ys.SetSize(base + n);
+    for (int i = 0; i < n; ++i) {
+        xs.SetAt(base + i, i + 1);
+        ys.SetAt(base + i, errors.GetAt(i));
+    }
+}
+
+void EmptyAll(CDataPlot& plot) {
+    for (CDoubleArray* series : {&plot.m_arrPatternX, &plot.m_arrPatternY, &plot.m_arrPatternClass,
+                                 &plot.m_arrGridX, &plot.m_arrGridY, &plot.m_arrGridValue})
+        series->SetSize(0);
+}
+
+void CopyInto(CDoubleArray& target, const std::vector<double>& values) {
+    target.SetSize(static_cast<int>(values.size()));
+    for (size_t i = 0; i < values.size(); ++i) target.SetAt(static_cast<int>(i), values[i]);
+}
+
+}  // namespace
+
+CAxisRange CPlotBase::LockedRange(const double& lower, const double& upper) {
+    auto lock = SeriesLock();
+    return CAxisRange{lower, upper};
+}
+
+void CPlotBase::SetLockedRange(double& lower, double& upper, const CAxisRange& range) {
+    auto lock = SeriesLock();
+    lower = range.lower;
+    upper = range.upper;
+}
+
+// ---- iteration plot ---------------------------------------------------------------------------------------
+
+void CIterationPlot::AppendCurve(const CDoubleArray& errors, bool restart) {
+    auto lock = SeriesLock();
+    if (restart) {
+        m_arrX.SetSize(0);
+        m_arrY.SetSize(0);
+    }
+    AppendPairs(m_arrX, m_arrY, errors);
+}
+
+void CIterationPlot::ClearSeries() {
+    auto lock = SeriesLock();
+    m_arrX.SetSize(0);
+    m_arrY.SetSize(0);
+}
+
+CAxisRange CIterationPlot::XRange() { return LockedRange(m_dXMin, m_dXMax); }
+
+void CIterationPlot::SetXRange(const CAxisRange& range) { SetLockedRange(m_dXMin, m_dXMax, range); }
+
+CAxisRange CIterationPlot::YRange() { return LockedRange(m_dYMin, m_dYMax); }
+
+void CIterationPlot::SetYRange(const CAxisRange& range) { SetLockedRange(m_dYMin, m_dYMax, range); }
+
+// ---- summary plot -----------------------------------------------------------------------------------------
+
+void CSummaryPlot::SetPoints(const CDoubleArray& errors) {
+    auto lock = SeriesLock();
+    m_arrX.SetSize(0);
+    m_arrY.SetSize(0);
+    AppendPairs(m_arrX, m_arrY, errors);
+}
+
+void CSummaryPlot::ClearSeries() {
+    auto lock = SeriesLock();
+    m_arrX.SetSize(0);
+    m_arrY.SetSize(0);
+}
+
+CAxisRange CSummaryPlot::YRange() { return LockedRange(m_dYMin, m_dYMax); }
+
+void CSummaryPlot::SetYRange(const CAxisRange& range) { SetLockedRange(m_dYMin, m_dYMax, range); }
+
+int CSummaryPlot::Multiplier() {
+    auto lock = SeriesLock();
+    return m_nMultiplier;
+}
+
+void CSummaryPlot::SetMultiplier(int nMultiplier) {
+    auto lock = SeriesLock();
+    m_nMultiplier = nMultiplier;
+}
+
+// ---- data plot --------------------------------------------------------------------------------------------
+
+void CDataPlot::SetPatterns(const double* inputs, std::size_t nInputs, const double* targets, std::size_t count) {
+    auto lock = SeriesLock();
+    EmptyAll(*this);
+    for (std::size_t p = 0; p < count; ++p) {
+        m_arrPatternX.Add(inputs[p * nInputs]);
+        m_arrPatternY.Add(inputs[p * nInputs + 1]);
+        m_arrPatternClass.Add(targets[p]);
+    }
+}
+
+void CDataPlot::SetGrid(const std::vector<double>& xs, const std::vector<double>& ys,
+                        const std::vector<double>& values) {
+    auto lock = SeriesLock();
+    CopyInto(m_arrGridX, xs);
+    CopyInto(m_arrGridY, ys);
+    CopyInto(m_arrGridValue, values);
+}
+
+CDataPlot::CPatternBounds CDataPlot::PatternBounds() {
+    auto lock = SeriesLock();
+    return CPatternBounds{m_dMinX, m_dMaxX, m_dStepX, m_dMinY, m_dMaxY, m_dStepY};
+}
+
+void CDataPlot::ClearSeries() {
+    auto lock = SeriesLock();
+    EmptyAll(*this);
+}
