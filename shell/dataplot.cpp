@@ -4,7 +4,10 @@
 #include <cmath>
 #include <limits>
 
+#include "shell/plotaxes.h"
 #include "workspace/plots.h"
+
+using plotaxes::ClampPixel;
 
 namespace {
 
@@ -14,16 +17,13 @@ constexpr COLORREF kClassTwo = RGB(0x00, 0x00, 0xFF);
 constexpr COLORREF kAbove = RGB(0xFF, 0xFF, 0x00);
 constexpr COLORREF kAtOrBelow = RGB(0x00, 0xFF, 0xFF);
 
-// Pixels beyond this distance are all alike: far outside any control, still a safe int.
-long ToPixel(double value) { return static_cast<long>(std::fmax(-1.0e6, std::fmin(1.0e6, value))); }
-
 // One axis of the field: its size in pixels and the offset of a value from the axis's minimum.
 struct FieldAxis {
     FieldAxis(double minimum, double maximum, double step) : min(minimum), extent(maximum - minimum) {
         // A step that is not a positive number cannot come from ComputeStep; should a feeder leave one, the
         // axis maps one unit to one pixel.
         scaleStep = step > 0.0 && std::isfinite(step) ? step : 1.0;
-        size = std::isfinite(extent) ? ToPixel(extent / scaleStep) : 0;
+        size = std::isfinite(extent) ? ClampPixel(extent / scaleStep) : 0;
     }
 
     // False for a value that is not a finite number: it has no place on the field.
@@ -32,9 +32,9 @@ struct FieldAxis {
         // An axis of zero extent (one pattern, or an input that never changes) has no divisor: it maps by
         // its step, so the value sits at the middle of the control with the grid's steps around it.
         if (extent == 0.0 || !std::isfinite(extent) || size == 0)
-            *offset = ToPixel((value - min) / scaleStep);
+            *offset = ClampPixel((value - min) / scaleStep);
         else
-            *offset = ToPixel((value - min) * size / extent);
+            *offset = ClampPixel((value - min) * size / extent);
         return true;
     }
 

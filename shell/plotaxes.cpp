@@ -65,6 +65,8 @@ void DrawFrame(CDC* dc, const RECT& frame) {
     dc->LineTo(static_cast<int>(frame.left), static_cast<int>(frame.top));
 }
 
+long ClampPixel(double at) { return static_cast<long>(std::fmax(-kFarPixels, std::fmin(kFarPixels, at))); }
+
 bool AxisPixel(double origin, double length, double value, double low, double high, long* pixel) {
     double span = high - low;
     if (span == 0.0 || !std::isfinite(span)) {
@@ -73,7 +75,7 @@ bool AxisPixel(double origin, double length, double value, double low, double hi
     }
     const double at = origin + length * (value - low) / span;
     if (std::isnan(at)) return false;
-    *pixel = static_cast<long>(std::fmax(-kFarPixels, std::fmin(kFarPixels, at)));
+    *pixel = ClampPixel(at);
     return true;
 }
 

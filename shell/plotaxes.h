@@ -1,6 +1,6 @@
-// What the two curve plots share: the frame of the plotting area, the decade grid of the error axis, the
-// "10" labels with their small exponents, the mapping of a value to a pixel, and the widening of an axis
-// range in whole decades.
+// The mapping of a value to a pixel that every plot uses, with the one clamp of far-off coordinates, and what
+// the two curve plots share: the frame of the plotting area, the decade grid of the error axis, the "10"
+// labels with their small exponents, and the widening of an axis range in whole decades.
 #pragma once
 
 #include "platform/drawing.h"
@@ -29,6 +29,9 @@ void WriteYExponents(CDC* dc, const RECT& c, const RECT& frame, int h, int decad
 // The frame, with the pen that is selected: (L, T), (L, B), (R, B), (R, T), (L, T).
 void DrawFrame(CDC* dc, const RECT& frame);
 
+// A coordinate truncated to a pixel. Coordinates far outside any surface are all alike: they are clamped to
+// one far off, which is still a safe int.
+long ClampPixel(double at);
 // origin + length * (value - low) / (high - low), truncated to a pixel. A range of zero extent, or one that
 // is not a number, is taken as one unit centred on low, so that the mapping always has a divisor. False
 // when the result is not a number; results far outside any surface are clamped.
