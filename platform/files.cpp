@@ -23,6 +23,8 @@ BOOL CFile::Open(LPCTSTR path, UINT flags) {
     // A directory opens for reading on Linux, and its length then reads as garbage: it is no file.
     struct stat info {};
     if (m_file != nullptr && (fstat(fileno(m_file), &info) != 0 || S_ISDIR(info.st_mode))) Close();
+    if (m_file != nullptr) std::setvbuf(m_file, nullptr, _IOFBF, 1 << 16);
+    m_end = -1;
     return m_file != nullptr ? TRUE : FALSE;
 }
 
@@ -42,20 +44,25 @@ unsigned long long CFile::GetLength() const {
 
 UINT CFile::Read(void* buffer, UINT count) {
     if (m_file == nullptr) return 0;
+    m_end = -1;
     return static_cast<UINT>(std::fread(buffer, 1, count, m_file));
 }
 
 void CFile::Write(const void* buffer, UINT count) {
     if (m_file == nullptr) return;
-    std::fwrite(buffer, 1, count, m_file);
-    std::fflush(m_file);
+    const std::size_t written = std::fwrite(buffer, 1, count, m_file);
+    if (m_end >= 0) m_end += static_cast<long long>(written);
 }
 
 long long CFile::Seek(long long offset, UINT from) {
     if (m_file == nullptr) return -1;
+    const bool toEnd = from == end && offset == 0;
+    if (toEnd && m_end >= 0) return m_end;
     const int whence = from == end ? SEEK_END : from == current ? SEEK_CUR : SEEK_SET;
     std::fseek(m_file, static_cast<long>(offset), whence);
-    return std::ftell(m_file);
+    const long long position = std::ftell(m_file);
+    m_end = toEnd ? position : -1;
+    return position;
 }
 
 namespace {

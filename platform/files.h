@@ -23,11 +23,16 @@ public:
     // Length in bytes; 0 for a closed file.
     unsigned long long GetLength() const;
     UINT Read(void* buffer, UINT count);
+    // Writes are buffered and reach the file at the latest at Close: a writer of many short rows costs one
+    // system call per buffer, not per row.
     void Write(const void* buffer, UINT count);
+    // A seek to the end right behind this object's own writes stays where it is: no other writer appends to a
+    // file while it is open here, so the end is known.
     long long Seek(long long offset, UINT from);
 
 private:
     std::FILE* m_file = nullptr;
+    long long m_end = -1;  // the file's length while the position stands at its end; -1 when not known
 };
 
 // Fills buffer with the full path of the running executable; module must be null. Returns the length.
