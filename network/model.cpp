@@ -95,6 +95,8 @@ void CVantrelDlg::UnpackParameters() {
     CopyBlock(m_pCenters, m_pParams + layout.Centers(), weights);
 }
 
+double NetworkOutput(const CVantrelDlg& dlg, const double* x) { return OutputAt(dlg, x, dlg.m_nInputs); }
+
 double CVantrelDlg::ComputeError() { return AverageError(*this, nullptr); }
 
 double CVantrelDlg::ComputeOutputs() { return AverageError(*this, m_pOutputs); }

@@ -48,6 +48,9 @@ struct CNetworkView {
     CParamLayout layout;                     // units, inputs and which form of Jacobian row
 };
 
+// The network's output for one input vector of m_nInputs values: the bias plus every unit's share.
+double NetworkOutput(const CVantrelDlg& dlg, const double* x);
+
 // A view of the workspace's network and patterns, with the Jacobian form chosen by bImproved (the accumulator
 // decides the form, not m_nAlgorithm).
 CNetworkView ViewOf(const CVantrelDlg& dlg, bool bImproved);
