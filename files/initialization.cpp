@@ -65,6 +65,7 @@ bool ReplaceNetworkArrays(CVantrelDlg& dlg, UINT units) {
         return false;
     }
     dlg.m_nUnits = units;
+    dlg.m_nNetworkInputs = dlg.m_nInputs;
     return true;
 }
 

@@ -15,6 +15,7 @@ void MakeSample(CVantrelDlg& dlg, const CSampleShape& shape) {
     dlg.m_nInputs = shape.nInputs;
     dlg.m_nOutputs = 1;
     dlg.m_nUnits = shape.nUnits;
+    dlg.m_nNetworkInputs = shape.nInputs;
     dlg.m_nAlgorithm = shape.nAlgorithm;
 
     ReplaceBlocks(dlg,

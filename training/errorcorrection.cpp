@@ -17,6 +17,7 @@ void CVantrelDlg::ResetNetwork() {
                   counts);
     std::fill(m_pOutputWeights, m_pOutputWeights + m_nOutputs, 1.0);
     m_nUnits = 0;
+    m_nNetworkInputs = m_nInputs;
 }
 
 void CVantrelDlg::AddUnitAtWorstPattern() {

@@ -26,6 +26,9 @@ public:
     UINT m_nInputs = 0;
     UINT m_nMaxUnits = 5;
     UINT m_nParams = 0;
+    // The number of inputs the network arrays were shaped for. Load Data changes m_nInputs and leaves the
+    // network as it was, so the two can differ until the next Initialization or run.
+    UINT m_nNetworkInputs = 0;
 
     double* m_pInputs = nullptr;             // m_nPatterns x m_nInputs
     double* m_pTargets = nullptr;            // m_nPatterns x m_nOutputs
@@ -133,6 +136,7 @@ public:
     int CreateResultFile(CString* path);
     void WriteRunResults(CString* path, UINT units, UINT iterations, double error);
     void WriteErrCorResults(CString* path, UINT units, UINT iterations, double error);
+    int CreateOutputFile(CString* stampedPath, CString* outputPath);
     void OnVerification();
 
     // ---- main window (shell/) ------------------------------------------------------------------------------------
