@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr const char* kDataFilter = "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|All files (*.*)|*.*||";
 constexpr const char* kTooLarge = "Data set is too large to load!";
 constexpr const char* kNoPatterns = "Data file holds no patterns!";
 constexpr const char* kNoInputs = "Number of Inputs Should Be Larger Than Zero";
@@ -68,7 +67,7 @@ void CVantrelDlg::OnLoadData() {
     m_nPatterns = 0;
     UpdateData(TRUE);
 
-    CFileDialog fileDlg(TRUE, "txt", nullptr, 6, kDataFilter);
+    CFileDialog fileDlg(TRUE, "txt", nullptr, 6, kDataFileFilter);
     if (fileDlg.DoModal() != IDOK) {
         m_bDataLoaded = false;
         return;

@@ -7,6 +7,10 @@
 
 #include "platform/types.h"
 
+// The file dialog filter of every file of patterns: data sets, testing files, new data.
+inline constexpr const char* kDataFileFilter =
+    "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|All files (*.*)|*.*||";
+
 struct CDataSetShape {
     std::size_t patterns = 0;  // rows of the text
     std::size_t columns = 0;   // tokens of the first row; 0 for a text without rows

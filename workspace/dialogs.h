@@ -131,6 +131,8 @@ public:
     double m_dMinValue = 0;
     UINT m_nPoints = 0;
 
+    void OnOK() override;
+
 protected:
     void DoDataExchange(CDataExchange* dx) override;
 };
@@ -145,6 +147,8 @@ public:
     double m_dMaxY = 0;
     double m_dMinY = 0;
     UINT m_nPointsY = 0;
+
+    void OnOK() override;
 
 protected:
     void DoDataExchange(CDataExchange* dx) override;

@@ -1,0 +1,64 @@
+// Verification: a trained network run over a set of patterns, one row of text a pattern, each row written to
+// two files as soon as it is made. The pieces here need no window; OnVerification and its dialogs build on them.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/types.h"
+
+class CFile;
+class CVantrelDlg;
+
+// One axis of a generated grid: points values from min to max, both included.
+struct CGridAxis {
+    double min = 0.0;
+    double max = 0.0;
+    UINT points = 0;
+
+    double At(UINT n) const;
+};
+
+// The patterns of one press, handed out one at a time. Patterns from the workspace or a testing file stand in
+// blocks of their own; a generated grid is computed from the pattern's index, so that a grid of a million
+// points takes no memory and a grid that no memory could hold still runs.
+class CPatternSet {
+public:
+    CPatternSet() = default;  // no patterns
+    // inputs holds count x nInputs values, targets count x nOutputs; the first output of a pattern is its
+    // desired output.
+    CPatternSet(UINT nInputs, UINT nOutputs, std::size_t count, std::vector<double> inputs,
+                std::vector<double> targets);
+    explicit CPatternSet(const CGridAxis& x);
+    // Pattern ix x y.points + iy has the inputs x.At(ix), y.At(iy): x changes slowest.
+    CPatternSet(const CGridAxis& x, const CGridAxis& y);
+
+    std::size_t Count() const { return m_count; }
+    UINT Inputs() const { return m_nInputs; }
+    // Writes the Inputs() inputs of pattern p into x and returns its desired output (0 on a grid).
+    double Pattern(std::size_t p, double* x) const;
+
+private:
+    UINT m_nInputs = 0;
+    UINT m_nOutputs = 0;
+    std::size_t m_count = 0;
+    std::vector<double> m_inputs;
+    std::vector<double> m_targets;
+    bool m_bGrid = false;
+    CGridAxis m_x;
+    CGridAxis m_y;
+};
+
+// The rows of a testing file whose first row has nInputs + nOutputs values. Every row goes into the blocks
+// in reading order; what a short row leaves unreached stays 0.0 and a long row's surplus is dropped.
+// Throws std::bad_alloc when the blocks do not fit in memory.
+CPatternSet ReadTestingPatterns(std::string_view text, std::size_t rows, UINT nInputs, UINT nOutputs);
+
+// Appends one row: the inputs, the desired output, y and desired output minus y, each as "%.6f\t", then CR LF.
+void AppendRow(std::string& row, const double* inputs, UINT nInputs, double target, double y);
+
+// Runs the workspace's network over every pattern of set and appends each row to both files, the first file
+// first, each with a seek to its end and one write. The set's inputs must be the network's.
+void WriteVerificationRows(const CVantrelDlg& dlg, const CPatternSet& set, CFile& first, CFile& second);

@@ -1,0 +1,148 @@
+// Verification: the press of its button. Both output files are made first, then the pattern set of the chosen
+// path, then one row per pattern into both; the timestamped file is opened on the desktop at the end.
+#include <cstring>
+#include <new>
+#include <string>
+
+#include "files/datafile.h"
+#include "files/resultfiles.h"
+#include "files/scanner.h"
+#include "files/verification.h"
+#include "platform/clock.h"
+#include "platform/files.h"
+#include "workspace/workspace.h"
+
+namespace {
+
+void ShowError(CVantrelDlg& dlg, const char* text) { dlg.MessageBox(text, "Error", MB_ICONHAND); }
+
+// Creates an empty file, or empties the one there; false when it can't.
+bool CreateEmpty(const CString& path) {
+    CFile file;
+    if (!file.Open(path, CFile::modeCreate)) return false;
+    file.Close();
+    return true;
+}
+
+bool TrainingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
+    const std::size_t count = dlg.m_nPatterns;
+    const std::size_t inputs = count * dlg.m_nInputs;
+    const std::size_t targets = count * dlg.m_nOutputs;
+    set = CPatternSet(dlg.m_nInputs, dlg.m_nOutputs, count, std::vector<double>(dlg.m_pInputs, dlg.m_pInputs + inputs),
+                      std::vector<double>(dlg.m_pTargets, dlg.m_pTargets + targets));
+    return true;
+}
+
+bool TestingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
+    CFileDialog fileDlg(TRUE, "txt", nullptr, 6, kDataFileFilter);
+    if (fileDlg.DoModal() != IDOK) return false;
+    std::string text;
+    if (ReadScanText(fileDlg.GetPathName(), text) != ReadTextResult::Ok) {
+        // A file too large to read whole fails here as well: either way nothing of it can be verified.
+        dlg.MessageBox("Data file opening failed", "Error", MB_ICONEXCLAMATION);
+        return false;
+    }
+    const CDataSetShape shape = MeasureDataSet(text);
+    if (shape.columns != static_cast<std::size_t>(dlg.m_nInputs) + dlg.m_nOutputs) {
+        ShowError(dlg, "Training Data does not match the testing data!");
+        return false;
+    }
+    try {
+        set = ReadTestingPatterns(text, shape.patterns, dlg.m_nInputs, dlg.m_nOutputs);
+    } catch (const std::bad_alloc&) {
+        ShowError(dlg, "Testing data is too large to verify!");
+        return false;
+    }
+    return true;
+}
+
+bool Grid1D(CVantrelDlg& dlg, CPatternSet& set) {
+    if (dlg.m_nInputs != 1) {
+        ShowError(dlg, "This Testing is only for 1-D inputs");
+        return false;
+    }
+    if (dlg.m_dlgTest1D.DoModal() != IDOK) return false;
+    const CTest1DDlg& grid = dlg.m_dlgTest1D;
+    set = CPatternSet(CGridAxis{grid.m_dMinValue, grid.m_dMaxValue, grid.m_nPoints});
+    return true;
+}
+
+bool Grid2D(CVantrelDlg& dlg, CPatternSet& set) {
+    if (dlg.m_nInputs != 2) {
+        ShowError(dlg, "This Testing is only for 2-D inputs");
+        return false;
+    }
+    if (dlg.m_dlgTest2D.DoModal() != IDOK) return false;
+    const CTest2DDlg& grid = dlg.m_dlgTest2D;
+    set = CPatternSet(CGridAxis{grid.m_dMinX, grid.m_dMaxX, grid.m_nPointsX},
+                      CGridAxis{grid.m_dMinY, grid.m_dMaxY, grid.m_nPointsY});
+    return true;
+}
+
+// Load Data of a set with another number of inputs keeps the trained network, whose rows then have another
+// stride than the patterns: no output computed from it would mean anything, and it would read past its arrays.
+// Such a press ends with a message before the first row. A network of no units reads no input and fits all.
+bool NetworkFitsInputs(CVantrelDlg& dlg) {
+    if (dlg.m_pOutputWeights != nullptr && (dlg.m_nUnits == 0 || dlg.m_nNetworkInputs == dlg.m_nInputs))
+        return true;
+    CString text;
+    text.Format("Inputs of the network: %u, of the data set: %u. Initialize and train the network on this data set.",
+                dlg.m_nNetworkInputs, dlg.m_nInputs);
+    ShowError(dlg, text);
+    return false;
+}
+
+// The pattern set of the chosen path; false when the press ends here, after the path's own message if any.
+bool BuildPatternSet(CVantrelDlg& dlg, CPatternSet& set) {
+    switch (dlg.m_nGeneralization) {
+        case 0: return TrainingPatterns(dlg, set);
+        case 1: return TestingPatterns(dlg, set);
+        case 2: return Grid1D(dlg, set);
+        case 3: return Grid2D(dlg, set);
+        default: return false;
+    }
+}
+
+}  // namespace
+
+int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
+    const CTime now = CTime::GetTickCount();
+    const CString directory = ExecutableDirectory();
+    *stampedPath = directory + TimestampedFileName(*now.GetLocalTm(), "output.txt").c_str();
+    if (!CreateEmpty(*stampedPath)) {
+        MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
+        return 0;
+    }
+    *outputPath = directory + "output.txt";
+    if (!CreateEmpty(*outputPath)) {
+        MessageBox("Create Result File Failed (output.txt)!", "Error", MB_ICONHAND);
+        return 0;
+    }
+    return 1;
+}
+
+void CVantrelDlg::OnVerification() {
+    CString stampedPath;
+    CString outputPath;
+    if (!CreateOutputFile(&stampedPath, &outputPath)) {
+        ShowError(*this, "Create File Failed!");
+        return;
+    }
+    CFile stamped;
+    CFile output;
+    if (!stamped.Open(stampedPath, CFile::modeWrite)) {
+        ShowError(*this, "Saving Data file Open failed");
+        return;
+    }
+    if (!output.Open(outputPath, CFile::modeWrite)) {
+        ShowError(*this, "Saving Data file output.txt Open failed");
+        return;
+    }
+    CPatternSet set;
+    if (!BuildPatternSet(*this, set)) return;
+    if (set.Count() > 0 && !NetworkFitsInputs(*this)) return;
+    WriteVerificationRows(*this, set, stamped, output);
+    stamped.Close();
+    output.Close();
+    ShellExecuteA(nullptr, "open", stampedPath, nullptr, nullptr, SW_SHOW);
+}
