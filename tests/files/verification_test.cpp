@@ -103,7 +103,10 @@ protected:
 
     void Grid1D(const char* min, const char* max, const char* points) {
         dlg.m_nGeneralization = 2;
-        prompts.QueueDialog(CTest1DDlg::IDD, {Set(1105, min), Set(1106, max), Set(1107, points), Ok()}, "1-D");
+        prompts.QueueDialog(CTest1DDlg::IDD,
+                            {Set(IDC_1D_MINIMUM_VALUE, min), Set(IDC_1D_MAXIMUM_VALUE, max),
+                             Set(IDC_1D_NUMBER_OF_POINTS, points), Ok()},
+                            "1-D");
         dlg.OnVerification();
     }
 
@@ -128,8 +131,11 @@ TEST_F(VerificationTest, GeneratedGridsRunFromMinimumToMaximumWithYAndItsNegativ
     Patterns(2);
     Network(0, 0.25);
     dlg.m_nGeneralization = 3;
-    prompts.QueueDialog(CTest2DDlg::IDD, {Set(1108, "0"), Set(1109, "1"), Set(1110, "2"), Set(1111, "-1"),
-                                          Set(1112, "1"), Set(1113, "3"), Ok()}, "2-D");
+    prompts.QueueDialog(CTest2DDlg::IDD,
+                        {Set(IDC_X_MINIMUM_VALUE, "0"), Set(IDC_X_MAXIMUM_VALUE, "1"), Set(IDC_X_NUMBER_OF_POINTS, "2"),
+                         Set(IDC_Y_MINIMUM_VALUE, "-1"), Set(IDC_Y_MAXIMUM_VALUE, "1"),
+                         Set(IDC_Y_NUMBER_OF_POINTS, "3"), Ok()},
+                        "2-D");
     dlg.OnVerification();
     const std::string y = "0.000000\t0.250000\t-0.250000\t\r\n";
     EXPECT_EQ(PressedRows(), "0.000000\t-1.000000\t" + y + "0.000000\t0.000000\t" + y + "0.000000\t1.000000\t" + y +
@@ -166,13 +172,14 @@ TEST_F(VerificationTest, TestingRowsOfOtherLengthsStayInsideTheirBlocks) {
     // A short second row leaves the last desired output unreached: it reads 0.
     prompts.QueueFile(TempFile("short.txt", "1 2\r\n3\r\n"), false, "short");
     dlg.OnVerification();
-    EXPECT_EQ(PressedRows(), "1.000000\t2.000000\t1.000000\t1.000000\t\r\n3.000000\t0.000000\t1.000000\t-1.000000\t\r\n");
+    const std::string first = "1.000000\t2.000000\t1.000000\t1.000000\t\r\n";
+    EXPECT_EQ(PressedRows(), first + "3.000000\t0.000000\t1.000000\t-1.000000\t\r\n");
 
     EmptyDirectory();
     // A long second row fills the blocks in reading order; what finds no room is dropped.
     prompts.QueueFile(TempFile("long.txt", "1 2\r\n3 4 5 6\r\n"), false, "long");
     dlg.OnVerification();
-    EXPECT_EQ(PressedRows(), "1.000000\t2.000000\t1.000000\t1.000000\t\r\n3.000000\t4.000000\t1.000000\t3.000000\t\r\n");
+    EXPECT_EQ(PressedRows(), first + "3.000000\t4.000000\t1.000000\t3.000000\t\r\n");
 }
 
 TEST_F(VerificationTest, TwoPressesInDifferentSecondsLeaveTwoStampedFiles) {
