@@ -55,7 +55,13 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName("Vantrel");
     AfxInitPlatform();
-    if (!dir.empty()) AfxSetModuleDirectory(QFileInfo(QString::fromStdString(dir)).absoluteFilePath().toStdString());
     const std::string scriptDir = QFileInfo(QString::fromStdString(scriptPath)).absolutePath().toStdString();
-    return RunSession(commands, scriptDir);
+    // A session given a directory of its own writes everything there, pictures too, and nothing beside the
+    // script.
+    std::string outputDir = scriptDir;
+    if (!dir.empty()) {
+        outputDir = QFileInfo(QString::fromStdString(dir)).absoluteFilePath().toStdString();
+        AfxSetModuleDirectory(outputDir);
+    }
+    return RunSession(commands, scriptDir, outputDir);
 }

@@ -22,7 +22,8 @@ std::string Resolve(const std::string& path, const std::string& scriptDir) {
 
 class Session {
 public:
-    explicit Session(const std::string& scriptDir) : m_scriptDir(scriptDir), m_prompts(Print) {
+    Session(const std::string& scriptDir, const std::string& outputDir)
+        : m_scriptDir(scriptDir), m_outputDir(outputDir), m_prompts(Print) {
         AfxSetPromptHook(&m_prompts);
     }
     ~Session() { AfxSetPromptHook(nullptr); }
@@ -116,7 +117,7 @@ private:
             Print("selected " + std::to_string(id) + ": " + std::to_string(window->SelectedIndex(id)));
         } else if (name == "png") {
             QWidget* widget = id == 0 ? static_cast<QWidget*>(window) : window->Control(id);
-            const std::string path = Resolve(command.args[1], m_scriptDir);
+            const std::string path = Resolve(command.args[1], m_outputDir);
             if (!widget->grab().save(QString::fromStdString(path), "PNG"))
                 return Fail(command, "cannot write " + path);
             Print("png " + std::to_string(id) + ": " + command.args[1]);
@@ -150,6 +151,7 @@ private:
     }
 
     std::string m_scriptDir;
+    std::string m_outputDir;
     CScriptedPrompts m_prompts;
     CVantrelDlg m_dialog;
     bool m_closed = false;
@@ -157,7 +159,8 @@ private:
 
 }  // namespace
 
-int RunSession(const std::vector<SessionCommand>& commands, const std::string& scriptDir) {
-    Session session(scriptDir);
+int RunSession(const std::vector<SessionCommand>& commands, const std::string& scriptDir,
+               const std::string& outputDir) {
+    Session session(scriptDir, outputDir);
     return session.Run(commands);
 }
