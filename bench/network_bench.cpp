@@ -17,8 +17,7 @@
 #include <vector>
 
 #include "network/kernels.h"
-#include "network/reference.h"
-#include "network/samples.h"
+#include "reference/reference.h"
 #include "ratio_reporter.h"
 #include "workspace/blocks.h"
 #include "workspace/workspace.h"

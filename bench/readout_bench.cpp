@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "network/samples.h"
+#include "reference/reference.h"
 #include "platform/strings.h"
 #include "platform/uiqueue.h"
 #include "training/training.h"

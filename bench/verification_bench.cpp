@@ -14,7 +14,7 @@
 
 #include "files/verification.h"
 #include "network/network.h"
-#include "network/samples.h"
+#include "reference/reference.h"
 #include "platform/files.h"
 #include "workspace/workspace.h"
 

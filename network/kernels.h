@@ -10,7 +10,7 @@
 // triangular inversion and solves, so that, like the plain column-by-column substitution, it leaves a small
 // residual A * inverse - I.
 //
-// Results agree with the plain per-pattern loops and the plain decomposition (network/reference.h) up to
+// Results agree with the plain per-pattern loops and the plain decomposition (reference/reference.h) up to
 // rounding, measured normwise.
 #pragma once
 

@@ -3,13 +3,33 @@
 
 #include "network/kernels.h"
 #include "network/matrix.h"
-#include "network/reference.h"
 #include "workspace/workspace.h"
 
 void CVantrelDlg::LUdcmp(double* a, int n, int* indx) { kernels::FactorLU(a, n, indx); }
 
+void LUBackSubstitute(const double* a, int n, const int* indx, const double* b, double* x) {
+    for (int i = 0; i < n; ++i) x[i] = b[i];
+    int f = -1;  // first index with a non-zero value; the terms before it are all 0
+    for (int i = 0; i < n; ++i) {
+        const int p = indx[i];
+        double s = x[p];
+        x[p] = x[i];
+        if (f >= 0) {
+            for (int j = f; j < i; ++j) s -= a[i * n + j] * x[j];
+        } else if (s != 0.0) {
+            f = i;
+        }
+        x[i] = s;
+    }
+    for (int i = n - 1; i >= 0; --i) {
+        double s = x[i];
+        for (int j = i + 1; j < n; ++j) s -= a[i * n + j] * x[j];
+        x[i] = s / a[i * n + i];
+    }
+}
+
 void CVantrelDlg::LUBackSubstitute(double* a, int n, int* indx, double* b, double* x) {
-    reference::LUBackSubstitute(a, n, indx, b, x);
+    ::LUBackSubstitute(a, n, indx, b, x);
 }
 
 void CVantrelDlg::InvertHessian() {

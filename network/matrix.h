@@ -2,7 +2,8 @@
 //
 // The workspace members InvertHessian, LUdcmp and LUBackSubstitute (workspace/workspace.h) are defined in
 // matrix.cpp. LUdcmp runs the blocked factorization of kernels.h; InvertHessian forms the inverse from the
-// factors with the triangular kernels there. LUBackSubstitute is the plain one-column solve.
+// factors with the triangular kernels there. LUBackSubstitute is the plain one-column solve,
+// below.
 #pragma once
 
 #include <stdexcept>
@@ -17,3 +18,7 @@ class CSingularMatrixException : public std::runtime_error {
 public:
     CSingularMatrixException() : std::runtime_error("Singular matrix in LUdcmp") {}
 };
+
+// One right-hand side b through the factors that LUdcmp left in a (n x n, row-major) into x. The forward pass
+// skips the leading zeros of b.
+void LUBackSubstitute(const double* a, int n, const int* indx, const double* b, double* x);

@@ -7,7 +7,7 @@
 #include <map>
 #include <thread>
 
-#include "network/samples.h"
+#include "reference/reference.h"
 #include "files/verification.h"
 #include "platform/files.h"
 #include "tests/files/workspace_fixture.h"

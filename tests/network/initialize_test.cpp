@@ -7,7 +7,7 @@
 #include <set>
 #include <vector>
 
-#include "network/samples.h"
+#include "reference/reference.h"
 #include "platform/clock.h"
 #include "workspace/blocks.h"
 #include "workspace/workspace.h"

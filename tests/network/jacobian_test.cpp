@@ -8,8 +8,7 @@
 
 #include "network/kernels.h"
 #include "network/network.h"
-#include "network/reference.h"
-#include "network/samples.h"
+#include "reference/reference.h"
 #include "network_test_support.h"
 #include "workspace/workspace.h"
 

@@ -11,7 +11,7 @@
 
 #include "network/kernels.h"
 #include "network/matrix.h"
-#include "network/reference.h"
+#include "reference/reference.h"
 #include "network_test_support.h"
 #include "workspace/blocks.h"
 #include "workspace/workspace.h"

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "network/network.h"
-#include "network/samples.h"
+#include "reference/reference.h"
 #include "workspace/blocks.h"
 #include "workspace/workspace.h"
 

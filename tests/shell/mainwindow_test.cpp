@@ -2,7 +2,7 @@
 // close during a run.
 #include <gtest/gtest.h>
 
-#include "network/samples.h"
+#include "reference/reference.h"
 #include "platform/dialogwindow.h"
 #include "platform/scripted.h"
 #include "platform/thread.h"

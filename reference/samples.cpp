@@ -1,5 +1,5 @@
 // Sample problems for tests and benchmarks (see samples.h).
-#include "network/samples.h"
+#include "reference/samples.h"
 
 #include <cmath>
 #include <random>

@@ -1,10 +1,14 @@
-// The plain algorithms, loop for loop: one Jacobian row per pattern added into both triangles, and the
-// unblocked decomposition with one substitution per column of the identity. They are the baseline that
-// tests and benchmarks hold the fast kernels (kernels.h) against, and LUBackSubstitute serves the workspace
-// as it stands.
+// What tests and benchmarks measure the product against, and nothing else: the library vantrel_reference,
+// which the application and vantrel-session never link.
+//
+// - The plain algorithms, loop for loop (below): one Jacobian row per pattern added into both triangles, and
+//   the unblocked decomposition with one substitution per column of the identity. They are the baseline that
+//   the fast kernels (network/kernels.h) are held against.
+// - Sample problems of a given shape (samples.h).
 #pragma once
 
 #include "network/network.h"
+#include "reference/samples.h"
 
 namespace reference {
 
@@ -15,10 +19,7 @@ void Accumulate(const CNetworkView& net, UINT nParams, double* hessian, double* 
 // The decomposition of LUdcmp, unblocked. Raises CSingularMatrixException on a row without magnitude.
 void LUdcmp(double* a, int n, int* indx);
 
-// One right-hand side b through the factors into x.
-void LUBackSubstitute(const double* a, int n, const int* indx, const double* b, double* x);
-
-// The inverse from factors, one column of the identity at a time.
+// The inverse from factors, one column of the identity at a time, each through LUBackSubstitute (matrix.h).
 void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse);
 
 // LUdcmp on a (destroyed) and the inverse into inverse: the plain InvertHessian.
