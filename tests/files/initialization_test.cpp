@@ -2,11 +2,11 @@
 // settings summary.
 #include "platform/dialogwindow.h"
 #include "files/initialization.h"
-#include "tests/files/workspace_fixture.h"
+#include "support/main_dialog.h"
 
 namespace {
 
-using InitializationTest = WorkspaceTest;
+using InitializationTest = MainDialogTest;
 
 const char* ErrorOf(const CInitializationDlg& d) { return InitializationError(d) ? InitializationError(d) : ""; }
 
@@ -92,96 +92,77 @@ TEST(InitializationDialog, LoadFromFileDisablesTheManualControls) {
     EXPECT_FALSE(enabled(1079));
 }
 
-TEST_F(InitializationTest, NeedsADataSet) {
-    dlg.OnInitialization();
-    EXPECT_EQ(prompts.Boxes(), std::vector<std::string>{Box("Please Load Data Set !")});
-    EXPECT_FALSE(dlg.m_bNetworkReady);
-}
-
 TEST_F(InitializationTest, ParameterFileGivesTheNetworkAndItsInitialCopies) {
-    LoadData(Sample("sin1d.txt"));
-    dlg.m_nAlgorithm = 3;
-    prompts.QueueDialog(CInitializationDlg::IDD,
+    LoadData(SampleData("sin1d.txt"));
+    m_dlg.m_nAlgorithm = 3;
+    m_prompts.QueueDialog(CInitializationDlg::IDD,
                         {Set(1103, "0.01"), Click(1070), Ok()}, "init");
-    prompts.QueueFile(Sample("sin1d_3units.ini"), false, "ini");
-    dlg.OnInitialization();
-    EXPECT_TRUE(prompts.Boxes().empty()) << prompts.Boxes().front();
-    EXPECT_TRUE(dlg.m_bNetworkReady);
-    EXPECT_EQ(dlg.m_nUnits, 3u);
-    EXPECT_EQ(dlg.m_dLearningConstant, 0.01);
-    EXPECT_EQ(dlg.m_pCenters[1], 3.1416);
-    EXPECT_EQ(dlg.m_pInitCenters[1], 3.1416);
-    EXPECT_EQ(dlg.m_pWidths[2], 1.5);
-    EXPECT_EQ(dlg.m_pOutputWeights[1], 1.029501);
-    EXPECT_EQ(dlg.m_dlgInitialization.m_nUnits, 1u) << "the dialog's unit count has no say";
-    EXPECT_EQ(Lines(dlg).back(), "Read Parameters from file!");
+    m_prompts.QueueFile(SampleData("sin1d_3units.ini"), false, "ini");
+    m_dlg.OnInitialization();
+    EXPECT_TRUE(m_prompts.Boxes().empty()) << m_prompts.Boxes().front();
+    EXPECT_TRUE(m_dlg.m_bNetworkReady);
+    EXPECT_EQ(m_dlg.m_nUnits, 3u);
+    EXPECT_EQ(m_dlg.m_dLearningConstant, 0.01);
+    EXPECT_EQ(m_dlg.m_pCenters[1], 3.1416);
+    EXPECT_EQ(m_dlg.m_pInitCenters[1], 3.1416);
+    EXPECT_EQ(m_dlg.m_pWidths[2], 1.5);
+    EXPECT_EQ(m_dlg.m_pOutputWeights[1], 1.029501);
+    EXPECT_EQ(m_dlg.m_dlgInitialization.m_nUnits, 1u) << "the dialog's unit count has no say";
+    EXPECT_EQ(Lines(m_dlg).back(), "Read Parameters from file!");
 }
 
 TEST_F(InitializationTest, MismatchedParameterFileLeavesTheNetworkAlone) {
-    LoadData(Sample("sin1d.txt"));
-    dlg.m_dlgInitialization.m_nLoadFromFile = 1;
-    prompts.QueueDialog(CInitializationDlg::IDD, {Ok()}, "init");
-    prompts.QueueFile(Sample("twomoons_4units.ini"), false, "ini for two inputs");
-    dlg.OnInitialization();
-    EXPECT_EQ(prompts.Boxes(), std::vector<std::string>{Box("Number of RBF units does not match!")});
-    EXPECT_FALSE(dlg.m_bNetworkReady);
-    EXPECT_EQ(dlg.m_nUnits, 0u);
-    EXPECT_EQ(dlg.m_pInputWeights, nullptr);
+    LoadData(SampleData("sin1d.txt"));
+    m_dlg.m_dlgInitialization.m_nLoadFromFile = 1;
+    m_prompts.QueueDialog(CInitializationDlg::IDD, {Ok()}, "init");
+    m_prompts.QueueFile(SampleData("twomoons_4units.ini"), false, "ini for two inputs");
+    m_dlg.OnInitialization();
+    EXPECT_EQ(m_prompts.Boxes(), std::vector<std::string>{Box("Number of RBF units does not match!")});
+    EXPECT_FALSE(m_dlg.m_bNetworkReady);
+    EXPECT_EQ(m_dlg.m_nUnits, 0u);
+    EXPECT_EQ(m_dlg.m_pInputWeights, nullptr);
 }
 
 TEST_F(InitializationTest, CancelledParameterFileDialogClearsTheReadyFlag) {
-    LoadData(Sample("sin1d.txt"));
-    dlg.m_bNetworkReady = true;
-    dlg.m_dlgInitialization.m_nLoadFromFile = 1;
-    prompts.QueueDialog(CInitializationDlg::IDD, {Ok()}, "init");
-    prompts.QueueFile("", true, "cancel");
-    dlg.OnInitialization();
-    EXPECT_FALSE(dlg.m_bNetworkReady);
-    EXPECT_TRUE(prompts.Boxes().empty());
+    LoadData(SampleData("sin1d.txt"));
+    m_dlg.m_bNetworkReady = true;
+    m_dlg.m_dlgInitialization.m_nLoadFromFile = 1;
+    m_prompts.QueueDialog(CInitializationDlg::IDD, {Ok()}, "init");
+    m_prompts.QueueFile("", true, "cancel");
+    m_dlg.OnInitialization();
+    EXPECT_FALSE(m_dlg.m_bNetworkReady);
+    EXPECT_TRUE(m_prompts.Boxes().empty());
 }
 
 TEST_F(InitializationTest, ErrorCorrectionAsksOnlyForTheLargestNetwork) {
-    LoadData(Sample("sin1d.txt"));
-    dlg.m_nAlgorithm = 2;
-    prompts.QueueDialog(CErrCorInitDlg::IDD, {Set(1097, "7"), Ok()}, "errcor");
-    dlg.OnInitialization();
-    EXPECT_TRUE(dlg.m_bNetworkReady);
-    EXPECT_EQ(dlg.m_nMaxUnits, 7u);
-    EXPECT_EQ(dlg.m_pInputWeights, nullptr) << "the run builds the network itself";
+    LoadData(SampleData("sin1d.txt"));
+    m_dlg.m_nAlgorithm = 2;
+    m_prompts.QueueDialog(CErrCorInitDlg::IDD, {Set(1097, "7"), Ok()}, "errcor");
+    m_dlg.OnInitialization();
+    EXPECT_TRUE(m_dlg.m_bNetworkReady);
+    EXPECT_EQ(m_dlg.m_nMaxUnits, 7u);
+    EXPECT_EQ(m_dlg.m_pInputWeights, nullptr) << "the run builds the network itself";
 
-    prompts.QueueDialog(CErrCorInitDlg::IDD, {Cancel()}, "errcor cancel");
-    dlg.OnInitialization();
-    EXPECT_FALSE(dlg.m_bNetworkReady);
+    m_prompts.QueueDialog(CErrCorInitDlg::IDD, {Cancel()}, "errcor cancel");
+    m_dlg.OnInitialization();
+    EXPECT_FALSE(m_dlg.m_bNetworkReady);
 }
 
 TEST_F(InitializationTest, UnitCountTooLargeForMemoryIsRefused) {
-    LoadData(Sample("sin1d.txt"));
-    dlg.m_nUnits = 0;
-    dlg.m_nInputs = 4000000000u;  // 4e9 x 4e9 doubles: more than an address space holds
-    EXPECT_FALSE(ReplaceNetworkArrays(dlg, 4000000000u));
-    EXPECT_EQ(prompts.Boxes().back(), Box("Number of RBF units is too large!"));
-    EXPECT_EQ(dlg.m_nUnits, 0u) << "a failed allocation leaves the network as it was";
+    LoadData(SampleData("sin1d.txt"));
+    m_dlg.m_nUnits = 0;
+    m_dlg.m_nInputs = 4000000000u;  // 4e9 x 4e9 doubles: more than an address space holds
+    EXPECT_FALSE(ReplaceNetworkArrays(m_dlg, 4000000000u));
+    EXPECT_EQ(m_prompts.Boxes().back(), Box("Number of RBF units is too large!"));
+    EXPECT_EQ(m_dlg.m_nUnits, 0u) << "a failed allocation leaves the network as it was";
 }
 
-TEST_F(InitializationTest, SummaryOfTheDefaults) {
-    dlg.m_nPatterns = 50;
-    dlg.m_nInputs = 1;
-    dlg.m_nOutputs = 1;
-    dlg.m_nUnits = 4;
-    EXPECT_EQ(Lines(dlg), (std::vector<std::string>{
-                              "Selected Algorithm: Second Order Gradient Algorithm", "Number of Patterns: 50",
-                              "Number of Inputs: 1", "Number of Outputs: 1", "Total Number of RBF Units: 4",
-                              "Desired Error: 0.000100", "Input Weight: selected as 1.00",
-                              "Output Weight: selected as 1.00", "Width: selected as 1.00",
-                              "Center: randomly and uniquely selected from the input patterns"}));
-}
-
-TEST_F(InitializationTest, SummaryOfFirstOrderAndErrorCorrection) {
-    dlg.m_nAlgorithm = 4;
-    dlg.m_dlgInitialization.m_nInputWeightMode = 0;
-    dlg.m_dlgInitialization.m_nWidthMode = 0;
-    dlg.m_dlgInitialization.m_nCenterMode = 0;
-    std::vector<std::string> lines = Lines(dlg);
+TEST_F(InitializationTest, SummaryOfAFirstOrderMethodWithRandomGroups) {
+    m_dlg.m_nAlgorithm = 4;
+    m_dlg.m_dlgInitialization.m_nInputWeightMode = 0;
+    m_dlg.m_dlgInitialization.m_nWidthMode = 0;
+    m_dlg.m_dlgInitialization.m_nCenterMode = 0;
+    const std::vector<std::string> lines = Lines(m_dlg);
     ASSERT_EQ(lines.size(), 12u);
     EXPECT_EQ(lines[0], "Selected Algorithm: Improved First Order Method");
     EXPECT_EQ(lines[6], "Learning Constant: 0.0010");
@@ -189,12 +170,4 @@ TEST_F(InitializationTest, SummaryOfFirstOrderAndErrorCorrection) {
     EXPECT_EQ(lines[8], "Input Weight: randomly generated between 0.50 and 1.00");
     EXPECT_EQ(lines[10], "Width: randomly generated between 0.50 and 1.00");
     EXPECT_EQ(lines[11], "Center: randomly generated in the same range of inputs");
-
-    dlg.m_nAlgorithm = 2;
-    dlg.m_nMaxUnits = 9;
-    dlg.m_dlgInitialization.m_nLoadFromFile = 1;
-    lines = Lines(dlg);
-    ASSERT_EQ(lines.size(), 6u) << "no line on weights, widths, centers or files";
-    EXPECT_EQ(lines[0], "Selected Algorithm: Error Correction Algorithm");
-    EXPECT_EQ(lines[4], "Total Number of RBF Units: 9");
 }

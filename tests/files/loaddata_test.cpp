@@ -1,110 +1,110 @@
 // Load Data as a user meets it: the file dialog, the Data Set Information dialog, the messages and the state
 // that each outcome leaves.
-#include "tests/files/workspace_fixture.h"
+#include "support/main_dialog.h"
 
 namespace {
 
-using LoadDataTest = WorkspaceTest;
+using LoadDataTest = MainDialogTest;
 
 }  // namespace
 
 TEST_F(LoadDataTest, SampleOneDimensionalSetLoadsAsApproximation) {
-    dlg.m_bNetworkReady = true;
-    LoadData(Sample("sin1d.txt"));
-    EXPECT_TRUE(dlg.m_bDataLoaded);
-    EXPECT_FALSE(dlg.m_bNetworkReady) << "a new data set invalidates the network";
-    EXPECT_EQ(dlg.m_nPatterns, 50u);
-    EXPECT_EQ(dlg.m_nInputs, 1u);
-    EXPECT_EQ(dlg.m_nOutputs, 1u);
-    EXPECT_FALSE(dlg.m_bClassification) << "one input is never a classification set";
-    EXPECT_EQ(dlg.m_strDataTitle, "sin1d");
-    EXPECT_EQ(dlg.m_strDataPath, Sample("sin1d.txt").c_str());
-    EXPECT_EQ(dlg.m_pInputs[1], 0.1282);
-    EXPECT_EQ(dlg.m_pTargets[1], 0.127877);
-    EXPECT_EQ(dlg.m_dlgDataSetInfo.m_nPatterns, 50u) << "the dialog shows the counts";
-    EXPECT_TRUE(prompts.Boxes().empty());
+    m_dlg.m_bNetworkReady = true;
+    LoadData(SampleData("sin1d.txt"));
+    EXPECT_TRUE(m_dlg.m_bDataLoaded);
+    EXPECT_FALSE(m_dlg.m_bNetworkReady) << "a new data set invalidates the network";
+    EXPECT_EQ(m_dlg.m_nPatterns, 50u);
+    EXPECT_EQ(m_dlg.m_nInputs, 1u);
+    EXPECT_EQ(m_dlg.m_nOutputs, 1u);
+    EXPECT_FALSE(m_dlg.m_bClassification) << "one input is never a classification set";
+    EXPECT_EQ(m_dlg.m_strDataTitle, "sin1d");
+    EXPECT_EQ(m_dlg.m_strDataPath, SampleData("sin1d.txt").c_str());
+    EXPECT_EQ(m_dlg.m_pInputs[1], 0.1282);
+    EXPECT_EQ(m_dlg.m_pTargets[1], 0.127877);
+    EXPECT_EQ(m_dlg.m_dlgDataSetInfo.m_nPatterns, 50u) << "the dialog shows the counts";
+    EXPECT_TRUE(m_prompts.Boxes().empty());
 }
 
 TEST_F(LoadDataTest, TwoInputClassificationSetFeedsTheDataPlot) {
-    dlg.m_dataPlot.SetGrid({1, 2}, {1, 2}, {0, 1});  // the grid of an earlier run
-    LoadData(Sample("twomoons.txt"));
-    ASSERT_TRUE(dlg.m_bDataLoaded);
-    EXPECT_TRUE(dlg.m_bClassification);
-    const CDataPlot& plot = dlg.m_dataPlot;
+    m_dlg.m_dataPlot.SetGrid({1, 2}, {1, 2}, {0, 1});  // the grid of an earlier run
+    LoadData(SampleData("twomoons.txt"));
+    ASSERT_TRUE(m_dlg.m_bDataLoaded);
+    EXPECT_TRUE(m_dlg.m_bClassification);
+    const CDataPlot& plot = m_dlg.m_dataPlot;
     ASSERT_EQ(plot.m_arrPatternX.GetSize(), 100);
     EXPECT_EQ(plot.m_arrPatternY.GetSize(), 100);
     EXPECT_EQ(plot.m_arrPatternClass.GetSize(), 100);
     EXPECT_EQ(plot.m_arrGridX.GetSize(), 0) << "the grid waits for a run";
     for (int p = 0; p < 100; ++p) {
-        EXPECT_EQ(plot.m_arrPatternX.GetAt(p), dlg.m_pInputs[2 * p]);
-        EXPECT_EQ(plot.m_arrPatternY.GetAt(p), dlg.m_pInputs[2 * p + 1]);
-        EXPECT_EQ(plot.m_arrPatternClass.GetAt(p), dlg.m_pTargets[p]);
+        EXPECT_EQ(plot.m_arrPatternX.GetAt(p), m_dlg.m_pInputs[2 * p]);
+        EXPECT_EQ(plot.m_arrPatternY.GetAt(p), m_dlg.m_pInputs[2 * p + 1]);
+        EXPECT_EQ(plot.m_arrPatternClass.GetAt(p), m_dlg.m_pTargets[p]);
     }
 }
 
 TEST_F(LoadDataTest, ApproximationChoiceIsKeptForTheNextLoad) {
-    LoadData(Sample("twomoons.txt"), {Click(1044), Ok()});
-    EXPECT_FALSE(dlg.m_bClassification);
-    EXPECT_EQ(dlg.m_dlgDataSetInfo.m_nDataSetType, 1);
-    LoadData(Sample("surface2d.txt"));
-    EXPECT_FALSE(dlg.m_bClassification) << "the radio comes up as last left";
-    LoadData(Sample("surface2d.txt"), {Click(1043)});  // closed without OK
-    EXPECT_TRUE(dlg.m_bClassification) << "a radio click counts at once, however the dialog ends";
-    EXPECT_TRUE(dlg.m_bDataLoaded);
+    LoadData(SampleData("twomoons.txt"), {Click(1044), Ok()});
+    EXPECT_FALSE(m_dlg.m_bClassification);
+    EXPECT_EQ(m_dlg.m_dlgDataSetInfo.m_nDataSetType, 1);
+    LoadData(SampleData("surface2d.txt"));
+    EXPECT_FALSE(m_dlg.m_bClassification) << "the radio comes up as last left";
+    LoadData(SampleData("surface2d.txt"), {Click(1043)});  // closed without OK
+    EXPECT_TRUE(m_dlg.m_bClassification) << "a radio click counts at once, however the dialog ends";
+    EXPECT_TRUE(m_dlg.m_bDataLoaded);
 }
 
 TEST_F(LoadDataTest, FourColumnsAreNeverClassification) {
-    LoadData(TempFile("four.txt", "1 2 3 1\r\n4 5 6 -1\r\n"));
-    ASSERT_TRUE(dlg.m_bDataLoaded);
-    EXPECT_EQ(dlg.m_nInputs, 3u);
-    EXPECT_FALSE(dlg.m_bClassification);
+    LoadData(m_folder.Write("four.txt", "1 2 3 1\r\n4 5 6 -1\r\n"));
+    ASSERT_TRUE(m_dlg.m_bDataLoaded);
+    EXPECT_EQ(m_dlg.m_nInputs, 3u);
+    EXPECT_FALSE(m_dlg.m_bClassification);
 }
 
 TEST_F(LoadDataTest, CancelledFileDialogLeavesNoDataSet) {
-    LoadData(Sample("sin1d.txt"));
-    double* oldInputs = dlg.m_pInputs;
-    prompts.QueueFile("", true, "cancel");
-    dlg.OnLoadData();
-    EXPECT_FALSE(dlg.m_bDataLoaded);
-    EXPECT_FALSE(dlg.m_bNetworkReady);
-    EXPECT_EQ(dlg.m_nPatterns, 0u);
-    EXPECT_EQ(dlg.m_nInputs, 0u);
-    EXPECT_EQ(dlg.m_nOutputs, 0u);
-    EXPECT_EQ(dlg.m_pInputs, oldInputs) << "the old arrays stay allocated";
-    EXPECT_TRUE(prompts.Boxes().empty());
+    LoadData(SampleData("sin1d.txt"));
+    double* oldInputs = m_dlg.m_pInputs;
+    m_prompts.QueueFile("", true, "cancel");
+    m_dlg.OnLoadData();
+    EXPECT_FALSE(m_dlg.m_bDataLoaded);
+    EXPECT_FALSE(m_dlg.m_bNetworkReady);
+    EXPECT_EQ(m_dlg.m_nPatterns, 0u);
+    EXPECT_EQ(m_dlg.m_nInputs, 0u);
+    EXPECT_EQ(m_dlg.m_nOutputs, 0u);
+    EXPECT_EQ(m_dlg.m_pInputs, oldInputs) << "the old arrays stay allocated";
+    EXPECT_TRUE(m_prompts.Boxes().empty());
 }
 
 TEST_F(LoadDataTest, MissingFileIsReportedAndNothingLoads) {
-    const std::string path = ::testing::TempDir() + "no_such_file.txt";
-    prompts.QueueFile(path, false, "missing");
-    dlg.OnLoadData();
-    EXPECT_EQ(prompts.Boxes(), std::vector<std::string>{Box("Sorry, Cannot Open File!")});
-    EXPECT_FALSE(dlg.m_bDataLoaded);
-    EXPECT_EQ(dlg.m_strDataTitle, "no_such_file");
+    const std::string path = m_folder.Path() + "/no_such_file.txt";
+    m_prompts.QueueFile(path, false, "missing");
+    m_dlg.OnLoadData();
+    EXPECT_EQ(m_prompts.Boxes(), std::vector<std::string>{Box("Sorry, Cannot Open File!")});
+    EXPECT_FALSE(m_dlg.m_bDataLoaded);
+    EXPECT_EQ(m_dlg.m_strDataTitle, "no_such_file");
 }
 
 TEST_F(LoadDataTest, IncompleteFileIsRefusedWithTheNewCounts) {
-    LoadData(TempFile("short.txt", "1 2 3\r\n4 5\r\n"));
-    EXPECT_EQ(prompts.Boxes(), std::vector<std::string>{Box("Data file is incompleted!")});
-    EXPECT_FALSE(dlg.m_bDataLoaded);
-    EXPECT_EQ(dlg.m_nPatterns, 2u);
-    EXPECT_EQ(dlg.m_nInputs, 2u);
+    LoadData(m_folder.Write("short.txt", "1 2 3\r\n4 5\r\n"));
+    EXPECT_EQ(m_prompts.Boxes(), std::vector<std::string>{Box("Data file is incompleted!")});
+    EXPECT_FALSE(m_dlg.m_bDataLoaded);
+    EXPECT_EQ(m_dlg.m_nPatterns, 2u);
+    EXPECT_EQ(m_dlg.m_nInputs, 2u);
 }
 
 TEST_F(LoadDataTest, OneColumnFileIsRefusedEvenWhenTheDialogIsClosedWithoutOk) {
-    LoadData(TempFile("one.txt", "1\r\n2\r\n"), {Ok()});
+    LoadData(m_folder.Write("one.txt", "1\r\n2\r\n"), {Ok()});
     // OK is refused with the message and the dialog stays open; closing it goes on with the load, which
     // then refuses a set that has nothing to train on.
-    EXPECT_EQ(prompts.Boxes(), (std::vector<std::string>{Box("Number of Inputs Should Be Larger Than Zero"),
+    EXPECT_EQ(m_prompts.Boxes(), (std::vector<std::string>{Box("Number of Inputs Should Be Larger Than Zero"),
                                                          Box("Number of Inputs Should Be Larger Than Zero")}));
-    EXPECT_FALSE(dlg.m_bDataLoaded);
-    EXPECT_EQ(dlg.m_nInputs, 0u);
+    EXPECT_FALSE(m_dlg.m_bDataLoaded);
+    EXPECT_EQ(m_dlg.m_nInputs, 0u);
 }
 
 TEST_F(LoadDataTest, FileWithoutPatternsIsRefused) {
-    LoadData(TempFile("empty.txt", "Inputs Outputs\r\n\r\n"), {});
-    EXPECT_EQ(prompts.Boxes(), std::vector<std::string>{Box("Data file holds no patterns!")});
-    EXPECT_FALSE(dlg.m_bDataLoaded);
-    EXPECT_EQ(dlg.m_nPatterns, 0u);
-    EXPECT_EQ(dlg.m_nOutputs, 1u);
+    LoadData(m_folder.Write("empty.txt", "Inputs Outputs\r\n\r\n"), {});
+    EXPECT_EQ(m_prompts.Boxes(), std::vector<std::string>{Box("Data file holds no patterns!")});
+    EXPECT_FALSE(m_dlg.m_bDataLoaded);
+    EXPECT_EQ(m_dlg.m_nPatterns, 0u);
+    EXPECT_EQ(m_dlg.m_nOutputs, 1u);
 }

@@ -1,11 +1,11 @@
 // The number-row scanner on the awkward inputs that real files bring.
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "files/scanner.h"
+#include "support/tempfolder.h"
 
 namespace {
 
@@ -56,21 +56,17 @@ TEST(ScanText, CutsAtNulAndAppendsCrLf) {
 }
 
 TEST(ScanText, ReadsAFileWholeAndRefusesAMissingOne) {
-    const std::string path = ::testing::TempDir() + "scanner_file.txt";
+    const TempFolder folder;
     const char bytes[] = {'1', ' ', '2', '\r', '\n', '3', ' ', '4', '\0', '5'};
-    std::FILE* file = std::fopen(path.c_str(), "wb");
-    ASSERT_NE(file, nullptr);
-    std::fwrite(bytes, 1, sizeof bytes, file);
-    std::fclose(file);
+    const std::string path = folder.Write("scanner.txt", std::string(bytes, sizeof bytes));
 
     std::string text;
     ASSERT_EQ(ReadScanText(path.c_str(), text), ReadTextResult::Ok);
     EXPECT_EQ(text, "1 2\r\n3 4\r\n") << "the file's last line without a line end gets CR LF in memory";
-    std::remove(path.c_str());
 
     std::string untouched = "kept";
     EXPECT_EQ(ReadScanText((path + ".missing").c_str(), untouched), ReadTextResult::CannotOpen);
-    EXPECT_EQ(ReadScanText(::testing::TempDir().c_str(), untouched), ReadTextResult::CannotOpen)
+    EXPECT_EQ(ReadScanText(folder.Path().c_str(), untouched), ReadTextResult::CannotOpen)
         << "a directory is no file";
     EXPECT_EQ(untouched, "kept");
 }

@@ -10,43 +10,33 @@
 #include "reference/reference.h"
 #include "files/verification.h"
 #include "platform/files.h"
-#include "tests/files/workspace_fixture.h"
+#include "support/main_dialog.h"
 
 namespace {
 
-class VerificationTest : public WorkspaceTest {
+// The program directory is the fixture's temporary folder; files the test reads in lie in a folder apart.
+class VerificationTest : public MainDialogTest {
 protected:
-    VerificationTest() {
-        m_dir = ::testing::TempDir() + "verify_" + std::to_string(::getpid()) + "_" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        std::filesystem::create_directories(m_dir);
-        AfxSetModuleDirectory(CString(m_dir));
-    }
-    ~VerificationTest() override {
-        AfxSetModuleDirectory(CString());
-        std::filesystem::remove_all(m_dir);
-    }
 
     // A data set of pairs.size() / 2 patterns and a network of units units on it, each unit with input weights 2,
     // centers 3, width 4 and output weight 1.5: for one unit on one input y = bias + 1.5 exp(-(2 x - 3)^2 / 4).
     // With one input the pairs are the patterns (input, desired output); others keep the sample's values.
     void Workspace(UINT inputs, UINT units, double bias, std::vector<double> pairs = {}) {
-        MakeSample(dlg, {static_cast<UINT>(pairs.size() / 2), inputs, units, 0, 1});
-        for (UINT p = 0; inputs == 1 && p < dlg.m_nPatterns; ++p) {
-            dlg.m_pInputs[p] = pairs[2 * p];
-            dlg.m_pTargets[p] = pairs[2 * p + 1];
+        MakeSample(m_dlg, {static_cast<UINT>(pairs.size() / 2), inputs, units, 0, 1});
+        for (UINT p = 0; inputs == 1 && p < m_dlg.m_nPatterns; ++p) {
+            m_dlg.m_pInputs[p] = pairs[2 * p];
+            m_dlg.m_pTargets[p] = pairs[2 * p + 1];
         }
-        dlg.m_pOutputWeights[0] = bias;
-        std::fill(dlg.m_pOutputWeights + 1, dlg.m_pOutputWeights + units + 1, 1.5);
-        std::fill(dlg.m_pWidths, dlg.m_pWidths + units, 4.0);
-        std::fill(dlg.m_pInputWeights, dlg.m_pInputWeights + units * inputs, 2.0);
-        std::fill(dlg.m_pCenters, dlg.m_pCenters + units * inputs, 3.0);
+        m_dlg.m_pOutputWeights[0] = bias;
+        std::fill(m_dlg.m_pOutputWeights + 1, m_dlg.m_pOutputWeights + units + 1, 1.5);
+        std::fill(m_dlg.m_pWidths, m_dlg.m_pWidths + units, 4.0);
+        std::fill(m_dlg.m_pInputWeights, m_dlg.m_pInputWeights + units * inputs, 2.0);
+        std::fill(m_dlg.m_pCenters, m_dlg.m_pCenters + units * inputs, 3.0);
     }
 
     void EmptyDirectory() {
-        std::filesystem::remove_all(m_dir);
-        std::filesystem::create_directories(m_dir);
-        transcript.clear();
+        for (const auto& entry : std::filesystem::directory_iterator(m_dir)) std::filesystem::remove_all(entry);
+        m_printed.clear();
     }
 
     static std::string Contents(const std::filesystem::path& path) {
@@ -67,10 +57,10 @@ protected:
     std::string PressedRows() {
         const auto files = Files();
         EXPECT_EQ(files.size(), 2u);
-        if (files.size() != 2 || transcript.empty()) return "<no output>";
+        if (files.size() != 2 || m_printed.empty()) return "<no output>";
         const auto stamped = files.begin()->first == "output.txt" ? std::next(files.begin()) : files.begin();
         EXPECT_EQ(stamped->second, files.at("output.txt")) << "both files hold the same rows";
-        EXPECT_EQ(transcript.back(), "opened " + m_dir + "/" + stamped->first);
+        EXPECT_EQ(m_printed.back(), "opened " + m_dir + "/" + stamped->first);
         return stamped->second;
     }
 
@@ -80,24 +70,25 @@ protected:
         const auto files = Files();
         EXPECT_TRUE(files.count("output.txt") == 1 && files.size() >= 2) << "both files come before any refusal";
         for (const auto& [name, text] : files) EXPECT_EQ(text, "") << name;
-        EXPECT_EQ(prompts.Boxes(), boxes);
-        for (const std::string& line : transcript) EXPECT_NE(line.rfind("opened ", 0), 0u) << line;
+        EXPECT_EQ(m_prompts.Boxes(), boxes);
+        for (const std::string& line : m_printed) EXPECT_NE(line.rfind("opened ", 0), 0u) << line;
     }
 
-    std::string m_dir;
+    const std::string& m_dir = m_folder.Path();
+    TempFolder m_inputs;
 };
 
 }  // namespace
 
 TEST_F(VerificationTest, GeneratedGridsRunFromMinimumToMaximumWithYAndItsNegative) {
     Workspace(1, 0, 1.0);
-    dlg.m_nGeneralization = 2;
+    m_dlg.m_nGeneralization = 2;
     const auto grid1D = [&](const char* max, const char* points) {
-        prompts.QueueDialog(CTest1DDlg::IDD,
+        m_prompts.QueueDialog(CTest1DDlg::IDD,
                             {Set(IDC_1D_MINIMUM_VALUE, "0"), Set(IDC_1D_MAXIMUM_VALUE, max),
                              Set(IDC_1D_NUMBER_OF_POINTS, points), Ok()},
                             "1-D");
-        dlg.OnVerification();
+        m_dlg.OnVerification();
     };
     grid1D("1", "3");
     const std::string y = "0.000000\t1.000000\t-1.000000\t\r\n";  // no units: y is the bias
@@ -108,13 +99,13 @@ TEST_F(VerificationTest, GeneratedGridsRunFromMinimumToMaximumWithYAndItsNegativ
 
     EmptyDirectory();
     Workspace(2, 0, 0.25);
-    dlg.m_nGeneralization = 3;
-    prompts.QueueDialog(CTest2DDlg::IDD,
+    m_dlg.m_nGeneralization = 3;
+    m_prompts.QueueDialog(CTest2DDlg::IDD,
                         {Set(IDC_X_MINIMUM_VALUE, "0"), Set(IDC_X_MAXIMUM_VALUE, "1"), Set(IDC_X_NUMBER_OF_POINTS, "2"),
                          Set(IDC_Y_MINIMUM_VALUE, "-1"), Set(IDC_Y_MAXIMUM_VALUE, "1"),
                          Set(IDC_Y_NUMBER_OF_POINTS, "3"), Ok()},
                         "2-D");
-    dlg.OnVerification();
+    m_dlg.OnVerification();
     const std::string q = "0.000000\t0.250000\t-0.250000\t\r\n";
     EXPECT_EQ(PressedRows(), "0.000000\t-1.000000\t" + q + "0.000000\t0.000000\t" + q + "0.000000\t1.000000\t" + q +
                                  "1.000000\t-1.000000\t" + q + "1.000000\t0.000000\t" + q + "1.000000\t1.000000\t" + q)
@@ -123,7 +114,7 @@ TEST_F(VerificationTest, GeneratedGridsRunFromMinimumToMaximumWithYAndItsNegativ
 
 TEST_F(VerificationTest, TrainingAndTestingPatternsGiveOneRowEachInReadingOrder) {
     Workspace(1, 1, 0.5, {1.5, 2.0, 0.5, -1.0});
-    dlg.OnVerification();
+    m_dlg.OnVerification();
     // y(1.5) = 0.5 + 1.5 exp(0) = 2; y(0.5) = 0.5 + 1.5 exp(-1) = 1.051819...
     EXPECT_EQ(PressedRows(),
               "1.500000\t2.000000\t2.000000\t0.000000\t\r\n0.500000\t-1.000000\t1.051819\t-2.051819\t\r\n");
@@ -131,26 +122,26 @@ TEST_F(VerificationTest, TrainingAndTestingPatternsGiveOneRowEachInReadingOrder)
     // Testing rows shorter or longer than the first stay inside the blocks: values fall in reading order, what
     // a short row leaves unreached reads 0, and what finds no room is dropped.
     Workspace(1, 0, 1.0);
-    dlg.m_nGeneralization = 1;
+    m_dlg.m_nGeneralization = 1;
     const std::string first = "1.000000\t2.000000\t1.000000\t1.000000\t\r\n";
     for (const auto& [text, second] :
          {std::pair{"1 2\r\n3\r\n", "3.000000\t0.000000\t1.000000\t-1.000000\t\r\n"},
           std::pair{"1 2\r\n3 4 5 6\r\n", "3.000000\t4.000000\t1.000000\t3.000000\t\r\n"}}) {
         EmptyDirectory();
-        prompts.QueueFile(TempFile("testing.txt", text), false, text);
-        dlg.OnVerification();
+        m_prompts.QueueFile(m_inputs.Write("testing.txt", text), false, text);
+        m_dlg.OnVerification();
         EXPECT_EQ(PressedRows(), first + second) << text;
     }
-    EXPECT_TRUE(prompts.Boxes().empty());
+    EXPECT_TRUE(m_prompts.Boxes().empty());
 }
 
 TEST_F(VerificationTest, TwoPressesInDifferentSecondsLeaveTwoStampedFiles) {
     Workspace(1, 0, 1.0, {0.0, 0.0});
-    dlg.OnVerification();
+    m_dlg.OnVerification();
     const std::time_t first = std::time(nullptr);
     while (std::time(nullptr) == first) std::this_thread::sleep_for(std::chrono::milliseconds(20));
-    dlg.m_pOutputWeights[0] = 3.0;
-    dlg.OnVerification();
+    m_dlg.m_pOutputWeights[0] = 3.0;
+    m_dlg.OnVerification();
     const auto files = Files();
     ASSERT_EQ(files.size(), 3u);
     const std::string second = "0.000000\t0.000000\t3.000000\t-3.000000\t\r\n";
@@ -163,21 +154,21 @@ TEST_F(VerificationTest, TwoPressesInDifferentSecondsLeaveTwoStampedFiles) {
 TEST_F(VerificationTest, EachRefusalLeavesBothFilesEmptyAndOpensNothing) {
     Workspace(1, 0, 1.0, {0.0, 0.0});
     std::ofstream(m_dir + "/output.txt") << "rows of an earlier press";
-    dlg.m_nGeneralization = 3;
-    dlg.OnVerification();
+    m_dlg.m_nGeneralization = 3;
+    m_dlg.OnVerification();
     Workspace(2, 0, 1.0, {0.0, 0.0});
-    dlg.m_nGeneralization = 2;
-    dlg.OnVerification();
-    dlg.m_nGeneralization = 1;
-    prompts.QueueFile("", true, "cancel");
-    dlg.OnVerification();
-    prompts.QueueFile(m_dir + "/missing.txt", false, "missing");
-    dlg.OnVerification();
-    prompts.QueueFile(TempFile("wide.txt", "1 2 3 4\r\n"), false, "wide");
-    dlg.OnVerification();
-    dlg.m_nGeneralization = 3;
-    prompts.QueueDialog(CTest2DDlg::IDD, {Cancel()}, "cancel 2-D");
-    dlg.OnVerification();
+    m_dlg.m_nGeneralization = 2;
+    m_dlg.OnVerification();
+    m_dlg.m_nGeneralization = 1;
+    m_prompts.QueueFile("", true, "cancel");
+    m_dlg.OnVerification();
+    m_prompts.QueueFile(m_dir + "/missing.txt", false, "missing");
+    m_dlg.OnVerification();
+    m_prompts.QueueFile(m_inputs.Write("wide.txt", "1 2 3 4\r\n"), false, "wide");
+    m_dlg.OnVerification();
+    m_dlg.m_nGeneralization = 3;
+    m_prompts.QueueDialog(CTest2DDlg::IDD, {Cancel()}, "cancel 2-D");
+    m_dlg.OnVerification();
     ExpectEndedEarly({Box("This Testing is only for 2-D inputs"), Box("This Testing is only for 1-D inputs"),
                       "box Error [exclamation]: Data file opening failed",
                       Box("Training Data does not match the testing data!")});
@@ -186,10 +177,10 @@ TEST_F(VerificationTest, EachRefusalLeavesBothFilesEmptyAndOpensNothing) {
 TEST_F(VerificationTest, FilesThatCannotBeCreatedEndThePressWithTwoMessages) {
     Workspace(1, 0, 1.0, {0.0, 0.0});
     std::filesystem::create_directory(m_dir + "/output.txt");  // a name taken by a directory
-    dlg.OnVerification();
+    m_dlg.OnVerification();
     EXPECT_EQ(Files().size(), 2u) << "the stamped file stays, empty";
     AfxSetModuleDirectory(CString(m_dir + "/missing"));
-    dlg.OnVerification();
+    m_dlg.OnVerification();
     EXPECT_FALSE(std::filesystem::exists(m_dir + "/missing"));
     ExpectEndedEarly({Box("Create Result File Failed (output.txt)!"), Box("Create File Failed!"),
                       Box("Create Result File Failed!"), Box("Create File Failed!")});
@@ -197,16 +188,16 @@ TEST_F(VerificationTest, FilesThatCannotBeCreatedEndThePressWithTwoMessages) {
 
 TEST_F(VerificationTest, NetworkOfOtherInputsIsRefusedBeforeAnyRow) {
     Workspace(1, 1, 0.5, {0.0, 0.0, 0.0, 0.0});
-    dlg.m_nInputs = 2;  // Load Data of a set of two inputs keeps the trained network
-    dlg.m_nPatterns = 1;
-    dlg.OnVerification();
+    m_dlg.m_nInputs = 2;  // Load Data of a set of two inputs keeps the trained network
+    m_dlg.m_nPatterns = 1;
+    m_dlg.OnVerification();
     ExpectEndedEarly({Box("Inputs of the network: 1, of the data set: 2. Initialize and train the network on this "
                           "data set.")});
 
     // After a cancelled Load Data there is no pattern: no row is computed and the empty file opens.
-    dlg.m_nInputs = 0;
-    dlg.m_nPatterns = 0;
-    dlg.OnVerification();
+    m_dlg.m_nInputs = 0;
+    m_dlg.m_nPatterns = 0;
+    m_dlg.OnVerification();
     EXPECT_EQ(PressedRows(), "");
 }
 

@@ -71,18 +71,6 @@ TEST(DrawingLines, LineLeavesOutItsLastPixel) {
     EXPECT_EQ(c.At(10, 20), kWhite);
 }
 
-TEST(DrawingLines, LineToMovesTheCurrentPositionForTheNextSegment) {
-    Canvas c(20, 20);
-    CPen pen(PS_SOLID, 1, kRed);
-    c.dc.SelectObject(&pen);
-    c.dc.MoveTo(2, 2);
-    c.dc.LineTo(8, 2);
-    c.dc.LineTo(8, 8);
-    EXPECT_EQ(c.At(8, 2), kRed) << "the corner is the first pixel of the second segment";
-    EXPECT_EQ(c.At(8, 7), kRed);
-    EXPECT_EQ(c.At(8, 8), kWhite);
-}
-
 TEST(DrawingLines, DottedPenLeavesGapsOfThreePixels) {
     Canvas c(40, 5);
     CPen dotted(PS_DOT, 1, RGB(0xD2, 0xD2, 0xD2));
@@ -152,18 +140,6 @@ TEST(DrawingShapes, EllipseIsRoundFilledAndStaysInsideItsBox) {
     EXPECT_EQ(ink.top, 7);
     EXPECT_EQ(ink.right, 12) << "right edge of the box is exclusive";
     EXPECT_EQ(ink.bottom, 12) << "bottom edge of the box is exclusive";
-}
-
-TEST(DrawingShapes, SmallEllipseKeepsItsFillAtThePointItMarks) {
-    Canvas c(20, 20);
-    CPen pen(PS_SOLID, 1, kBlue);
-    CBrush brush(kRed);
-    c.dc.SelectObject(&pen);
-    c.dc.SelectObject(&brush);
-    c.dc.Ellipse(8, 8, 12, 12);  // the data plot's marks: corners (X - 2, Y - 2), (X + 2, Y + 2)
-    EXPECT_EQ(c.At(10, 10), kRed);
-    EXPECT_EQ(c.At(9, 9), kRed);
-    EXPECT_EQ(c.At(8, 9), kBlue);
 }
 
 TEST(DrawingPixels, SetPixelSetsAndReportsTheColour) {
@@ -249,19 +225,6 @@ TEST(DrawingText, SmallPointsSurviveWithoutAntialiasing) {
     c.dc.SetBkMode(TRANSPARENT);
     c.dc.TextOut(5, 2, ".");
     EXPECT_GE(c.Inked().right, c.Inked().left) << "the point of an exponent label such as 1.00 vanished at 7 points";
-}
-
-TEST(DrawingText, SerifAndSansFacesDiffer) {
-    auto render = [](const char* face) {
-        Canvas c(200, 30);
-        CFont font;
-        font.CreatePointFont(100, face);
-        c.dc.SelectObject(&font);
-        c.dc.SetBkMode(TRANSPARENT);
-        c.dc.TextOut(0, 0, "Average Errors");
-        return c.Inked().right;
-    };
-    EXPECT_NE(render("Times New Roman"), render("MS Sans Serif")) << "both faces fell back to the same font";
 }
 
 TEST(DrawingIcons, DrawIconPaintsTheTemplateRowsWithItsPalette) {

@@ -3,30 +3,20 @@
 
 #include <unistd.h>
 
-#include <cstdio>
-#include <fstream>
-#include <sstream>
-
 #include "platform/files.h"
 #include "platform/strings.h"
+#include "support/tempfolder.h"
 #include "workspace/doublearray.h"
 
 namespace {
 
-std::string ReadAll(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
 TEST(CFileTest, CreateEmptiesThenWritesAppendAfterSeekToEnd) {
-    const std::string path = testing::TempDir() + "cfile_append.txt";
-    { std::ofstream(path) << "old contents"; }
+    const TempFolder folder;
+    const std::string path = folder.Write("append.txt", "old contents");
     CFile create;
     ASSERT_TRUE(create.Open(path.c_str(), CFile::modeCreate));
     create.Close();
-    EXPECT_EQ(ReadAll(path), "") << "modeCreate empties an existing file";
+    EXPECT_EQ(TempFolder::Read(path), "") << "modeCreate empties an existing file";
     for (const char* block : {"first\r\n", "second\r\n"}) {
         CFile file;
         ASSERT_TRUE(file.Open(path.c_str(), CFile::modeWrite));
@@ -34,17 +24,18 @@ TEST(CFileTest, CreateEmptiesThenWritesAppendAfterSeekToEnd) {
         file.Write(block, static_cast<UINT>(std::string(block).size()));
         file.Close();
     }
-    EXPECT_EQ(ReadAll(path), "first\r\nsecond\r\n");
+    EXPECT_EQ(TempFolder::Read(path), "first\r\nsecond\r\n");
     CFile reader;
     ASSERT_TRUE(reader.Open(path.c_str(), CFile::modeRead));
     EXPECT_EQ(reader.GetLength(), 15u);
 }
 
 TEST(CFileTest, WriteModeDoesNotCreateAMissingFile) {
+    const TempFolder folder;
     CFile file;
-    EXPECT_FALSE(file.Open((testing::TempDir() + "no/such/dir/file.txt").c_str(), CFile::modeWrite));
-    EXPECT_FALSE(file.Open((testing::TempDir() + "missing_for_write.txt").c_str(), CFile::modeWrite));
-    EXPECT_FALSE(file.Open(testing::TempDir().c_str(), CFile::modeRead)) << "a directory is no file";
+    EXPECT_FALSE(file.Open((folder.Path() + "/no/such/dir/file.txt").c_str(), CFile::modeWrite));
+    EXPECT_FALSE(file.Open((folder.Path() + "/missing_for_write.txt").c_str(), CFile::modeWrite));
+    EXPECT_FALSE(file.Open(folder.Path().c_str(), CFile::modeRead)) << "a directory is no file";
 }
 
 TEST(ModuleDirectory, CanBeMovedForAScriptedSessionAndRestored) {

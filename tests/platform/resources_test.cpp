@@ -62,20 +62,6 @@ TEST(ResourceTable, ControlIdsAreUniqueWithinEachDialog) {
     }
 }
 
-TEST(ResourceTable, EveryRadioGroupStartsAtARadioButton) {
-    // A group opened by some other control would swallow radio buttons into a group nobody binds.
-    for (const DialogTemplate* dialog : AllDialogs()) {
-        for (int i = 0; i < dialog->controlCount; ++i) {
-            if (dialog->controls[i].kind != ControlKind::AutoRadioButton) continue;
-            int first = i;
-            while (first > 0 && !(dialog->controls[first].style & WS_GROUP)) --first;
-            EXPECT_EQ(dialog->controls[first].kind, ControlKind::AutoRadioButton)
-                << "dialog " << dialog->id << ": radio " << dialog->controls[i].id
-                << " belongs to a group opened by control #" << first;
-        }
-    }
-}
-
 TEST(ResourceTable, BoundRadioGroupsHoldExactlyTheirButtons) {
     struct Group {
         int dialog;
@@ -127,20 +113,6 @@ TEST(ResourceTable, PlotMenusOfferXThenYRangeWithDistinctCommands) {
             EXPECT_TRUE(commands.insert(menu->items[i].id).second) << "command " << menu->items[i].id << " twice";
     }
     EXPECT_EQ(commands, (std::set<UINT>{32771, 32772, 32773, 32774}));
-}
-
-TEST(ResourceTable, IconsAreSquareAndDrawnInTheirPalette) {
-    const ResourceTable& table = AfxGetResourceTable();
-    for (int n = 0; n < table.iconCount; ++n) {
-        const IconTemplate& icon = table.icons[n];
-        for (int y = 0; y < icon.size; ++y) {
-            const std::string row = icon.rows[y];
-            EXPECT_EQ(static_cast<int>(row.size()), icon.size) << "icon " << icon.id << ", row " << y;
-            for (char key : row)
-                EXPECT_TRUE(key == ' ' || std::strchr(icon.paletteKeys, key) != nullptr)
-                    << "icon " << icon.id << ", row " << y << ": key '" << key << "' has no colour";
-        }
-    }
 }
 
 TEST(ResourceTable, IconControlsNameExistingIcons) {

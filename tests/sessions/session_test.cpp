@@ -4,16 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <dirent.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
-#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "support/tempfolder.h"
 
 namespace {
 
@@ -32,17 +30,6 @@ std::vector<std::string> SessionNames() {
     }
     std::sort(names.begin(), names.end());
     return names;
-}
-
-std::vector<std::string> ReadLines(const std::string& path) {
-    std::ifstream in(path);
-    std::vector<std::string> lines;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(line);
-    }
-    return lines;
 }
 
 // True when text matches pattern, where "{}" in pattern stands for any text.
@@ -65,17 +52,11 @@ bool Matches(const std::string& pattern, const std::string& text) {
 }
 
 std::vector<std::string> RunTranscript(const std::string& name) {
-    char dirTemplate[] = "/tmp/vantrel-session-XXXXXX";
-    const std::string workDir = mkdtemp(dirTemplate);
-    const std::string out = workDir + "/stdout.txt";
-    const std::string err = workDir + "/stderr.txt";
-    const std::string command = std::string("QT_QPA_PLATFORM=offscreen '") + VANTREL_SESSION_EXE + "' --dir '" +
-                                workDir + "' '" + kSessionDir + "/" + name + ".session' >'" + out + "' 2>'" + err + "'";
-    const int status = std::system(command.c_str());
-    std::vector<std::string> transcript = ReadLines(out);
-    for (const std::string& line : ReadLines(err)) transcript.push_back("stderr: " + line);
-    transcript.push_back("exit " + std::to_string(WIFEXITED(status) ? WEXITSTATUS(status) : -1));
-    std::system(("rm -rf '" + workDir + "'").c_str());
+    TempFolder folder;
+    const SessionOutput session = RunSession(folder, kSessionDir + "/" + name + ".session");
+    std::vector<std::string> transcript = session.out;
+    for (const std::string& line : session.err) transcript.push_back("stderr: " + line);
+    transcript.push_back("exit " + std::to_string(session.exitCode));
     return transcript;
 }
 
@@ -83,7 +64,7 @@ class SessionTranscript : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(SessionTranscript, MatchesExpected) {
     const std::string name = GetParam();
-    const std::vector<std::string> expected = ReadLines(kSessionDir + "/" + name + ".expected");
+    const std::vector<std::string> expected = TempFolder::Lines(kSessionDir + "/" + name + ".expected");
     const std::vector<std::string> actual = RunTranscript(name);
     std::ostringstream whole;
     for (const std::string& line : actual) whole << "    " << line << "\n";

@@ -1,31 +1,14 @@
 // The main dialog's own rules: the information list's limit, the keys that must not end the program, and a
 // close during a run.
-#include <gtest/gtest.h>
-
 #include "reference/reference.h"
-#include "platform/dialogwindow.h"
-#include "platform/scripted.h"
-#include "platform/thread.h"
 #include "shell/mainwindow.h"
+#include "support/main_dialog.h"
 
 namespace {
 
-class MainWindow : public ::testing::Test {
+class MainWindow : public MainDialogTest {
 protected:
-    void SetUp() override {
-        AfxSetPromptHook(&m_prompts);
-        ASSERT_TRUE(m_dlg.CreateHidden());
-    }
-    void TearDown() override {
-        m_dlg.m_bTraining = false;
-        AfxWaitForWorkers();
-        AfxSetPromptHook(nullptr);
-    }
     int InfoLines() { return static_cast<int>(m_dlg.GetDlgItem(1015)->SendMessage(LB_GETCOUNT)); }
-
-    std::vector<std::string> m_printed;
-    CScriptedPrompts m_prompts{[this](const std::string& line) { m_printed.push_back(line); }};
-    CVantrelDlg m_dlg;
 };
 
 TEST_F(MainWindow, TheLine2001ArrivesInAnEmptiedList) {

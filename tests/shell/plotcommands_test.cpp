@@ -1,12 +1,8 @@
 // The right-button menus of the curve plots and the range commands, on the hidden main dialog.
-#include <gtest/gtest.h>
-
 #include <string>
 #include <vector>
 
-#include "platform/dialogwindow.h"
-#include "platform/scripted.h"
-#include "workspace/workspace.h"
+#include "support/main_dialog.h"
 
 namespace {
 
@@ -36,13 +32,12 @@ public:
     UINT choose = 0;
 };
 
-class PlotCommands : public ::testing::Test {
+class PlotCommands : public MainDialogTest {
 protected:
     void SetUp() override {
-        AfxSetPromptHook(&m_prompts);
-        ASSERT_TRUE(m_dlg.CreateHidden());
+        MainDialogTest::SetUp();
+        AfxSetPromptHook(&m_recording);
     }
-    void TearDown() override { AfxSetPromptHook(nullptr); }
 
     // The middle of a control, in the dialog's client coordinates.
     CPoint MiddleOf(int id) const {
@@ -53,9 +48,7 @@ protected:
         return CPoint((screen.left + screen.right) / 2 - origin.x, (screen.top + screen.bottom) / 2 - origin.y);
     }
 
-    using Action = CScriptedPrompts::DialogAction;
-    RecordingPrompts m_prompts;
-    CVantrelDlg m_dlg;
+    RecordingPrompts m_recording;
 };
 
 }  // namespace
@@ -65,41 +58,41 @@ TEST_F(PlotCommands, RightClickOpensTheMenuOfThePlotUnderThePointerOnly) {
     m_dlg.OnRButtonDown(0, MiddleOf(1012));
     m_dlg.OnRButtonDown(0, MiddleOf(1022));
     m_dlg.OnRButtonDown(0, CPoint(2, 2));
-    ASSERT_EQ(m_prompts.menus.size(), 2u) << "only the two curve plots have a menu";
-    EXPECT_EQ(m_prompts.menus[0], (std::vector<UINT>{32771, 32773})) << "iteration plot: menu 134";
-    EXPECT_EQ(m_prompts.menus[1], (std::vector<UINT>{32772, 32774})) << "summary plot: menu 135";
+    ASSERT_EQ(m_recording.menus.size(), 2u) << "only the two curve plots have a menu";
+    EXPECT_EQ(m_recording.menus[0], (std::vector<UINT>{32771, 32773})) << "iteration plot: menu 134";
+    EXPECT_EQ(m_recording.menus[1], (std::vector<UINT>{32772, 32774})) << "summary plot: menu 135";
 }
 
 TEST_F(PlotCommands, ChosenMenuCommandReachesItsRangeDialog) {
-    m_prompts.choose = 32773;
-    m_prompts.QueueDialog(1039, {{Action::Set, 1098, "2"}, {Action::Set, 1099, "-6"}, {Action::Ok, 0, ""}}, "y");
+    m_recording.choose = 32773;
+    m_recording.QueueDialog(1039, {{Action::Set, 1098, "2"}, {Action::Set, 1099, "-6"}, {Action::Ok, 0, ""}}, "y");
     m_dlg.OnRButtonDown(0, MiddleOf(1013));
     EXPECT_EQ(m_dlg.m_iterationPlot.m_dYMax, 2.0);
     EXPECT_EQ(m_dlg.m_iterationPlot.m_dYMin, -6.0);
 }
 
 TEST_F(PlotCommands, RangeDialogsShowThePlotValuesAndTakeThemBackOnlyAfterOk) {
-    m_prompts.QueueDialog(136, {{Action::Set, 1098, "5"}, {Action::Set, 1099, "-1"}, {Action::Ok, 0, ""}}, "x");
+    m_recording.QueueDialog(136, {{Action::Set, 1098, "5"}, {Action::Set, 1099, "-1"}, {Action::Ok, 0, ""}}, "x");
     m_dlg.OnIterationXRange();
-    ASSERT_EQ(m_prompts.opened.size(), 1u);
-    EXPECT_EQ(m_prompts.opened[0], "136: 1098=3 1099=0 ") << "the dialog opens with the plot's exponents";
+    ASSERT_EQ(m_recording.opened.size(), 1u);
+    EXPECT_EQ(m_recording.opened[0], "136: 1098=3 1099=0 ") << "the dialog opens with the plot's exponents";
     EXPECT_EQ(m_dlg.m_iterationPlot.m_dXMax, 5.0);
     EXPECT_EQ(m_dlg.m_iterationPlot.m_dXMin, -1.0);
 
-    m_prompts.QueueDialog(1040, {{Action::Set, 1098, "9"}, {Action::Set, 1099, "8"}, {Action::Cancel, 0, ""}}, "c");
+    m_recording.QueueDialog(1040, {{Action::Set, 1098, "9"}, {Action::Set, 1099, "8"}, {Action::Cancel, 0, ""}}, "c");
     m_dlg.OnSummaryYRange();
-    EXPECT_EQ(m_prompts.opened.back(), "1040: 1098=1 1099=-4 ");
+    EXPECT_EQ(m_recording.opened.back(), "1040: 1098=1 1099=-4 ");
     EXPECT_EQ(m_dlg.m_summaryPlot.m_dYMax, 1.0) << "Cancel keeps the old values";
     EXPECT_EQ(m_dlg.m_summaryPlot.m_dYMin, -4.0);
 
-    m_prompts.QueueDialog(137, {{Action::Set, 1100, "3"}, {Action::Ok, 0, ""}}, "m");
+    m_recording.QueueDialog(137, {{Action::Set, 1100, "3"}, {Action::Ok, 0, ""}}, "m");
     m_dlg.OnSummaryXRange();
-    EXPECT_EQ(m_prompts.opened.back(), "137: 1100=1 ");
+    EXPECT_EQ(m_recording.opened.back(), "137: 1100=1 ");
     EXPECT_EQ(m_dlg.m_summaryPlot.m_nMultiplier, 3);
 }
 
 TEST_F(PlotCommands, BoundsAreTakenAsTypedWithoutRelatingLowerToUpper) {
-    m_prompts.QueueDialog(1039, {{Action::Set, 1098, "-5"}, {Action::Set, 1099, "0.5"}, {Action::Ok, 0, ""}}, "y");
+    m_recording.QueueDialog(1039, {{Action::Set, 1098, "-5"}, {Action::Set, 1099, "0.5"}, {Action::Ok, 0, ""}}, "y");
     m_dlg.OnIterationYRange();
     EXPECT_EQ(m_dlg.m_iterationPlot.m_dYMax, -5.0);
     EXPECT_EQ(m_dlg.m_iterationPlot.m_dYMin, 0.5);

@@ -1,14 +1,13 @@
 // The three plots rendered with DrawAll into a bitmap of a plot control's size, and their range rules.
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QImage>
 #include <atomic>
 #include <chrono>
 #include <cmath>
 #include <limits>
 #include <thread>
 
+#include "support/picture.h"
 #include "workspace/plots.h"
 
 namespace {
@@ -28,33 +27,10 @@ constexpr COLORREF kField = RGB(0xC5, 0xC5, 0xC5);
 constexpr COLORREF kYellow = RGB(0xFF, 0xFF, 0);
 constexpr COLORREF kCyan = RGB(0, 0xFF, 0xFF);
 
-// A plot's picture: DrawAll into a bitmap through a memory DC, as its paint does.
-class Picture {
-public:
-    template <class Plot>
-    explicit Picture(Plot& plot, int width = kWidth, int height = kHeight) {
-        CDC dc;
-        dc.CreateCompatibleDC(nullptr);
-        m_bitmap.CreateCompatibleBitmap(&dc, width, height);
-        CBitmap* old = dc.SelectObject(&m_bitmap);
-        plot.DrawAll(&dc, RECT{0, 0, width, height});
-        dc.SelectObject(old);
-    }
-    COLORREF At(int x, int y) const { return m_bitmap.GetPixel(x, y); }
-    int Count(COLORREF colour, int left, int top, int right, int bottom) const {
-        int n = 0;
-        for (int y = top; y < bottom; ++y)
-            for (int x = left; x < right; ++x) n += At(x, y) == colour;
-        return n;
-    }
-    void Save(const char* name) const {
-        QDir().mkpath("/tmp/plots");
-        static_cast<QImage*>(m_bitmap.Image())->save(QString("/tmp/plots/") + name + ".png");
-    }
-
-private:
-    CBitmap m_bitmap;
-};
+template <class Plot>
+Picture Draw(Plot& plot) {
+    return Picture::Of(plot, kWidth, kHeight);
+}
 
 void Fill(CDoubleArray& xs, CDoubleArray& ys, const std::vector<std::pair<double, double>>& points) {
     xs.SetSize(0);
@@ -81,7 +57,7 @@ void FillCurve(CIterationPlot& plot, int n, double (*error)(int)) {
 
 TEST(IterationPlotPicture, EmptyPlotShowsFrameDottedDecadeGridTitleAndLabels) {
     CIterationPlot plot;
-    Picture p(plot);
+    const Picture p = Draw(plot);
     p.Save("iteration_empty");
     EXPECT_EQ(plot.m_rcPlot.left, L);
     EXPECT_EQ(plot.m_rcPlot.bottom, B);
@@ -114,7 +90,7 @@ TEST(IterationPlotPicture, CurveRunsThroughItsPointsInBlue) {
     // error = 1 / iteration: a straight line from 10^0 at x = 1 down to 10^-3 at x = 1000.
     FillCurve(plot, 1000, [](int i) { return 1.0 / (i + 1); });
     plot.RefreshIterationPlot(0);
-    Picture p(plot);
+    const Picture p = Draw(plot);
     p.Save("iteration_curve");
     EXPECT_EQ(p.At(L, static_cast<int>(B - (B - T) * 0.75)), kBlue) << "curve starts at (1, 1)";
     EXPECT_EQ(p.At(L + (R - L) / 3, B - (B - T) / 2), kBlue) << "curve passes (10, 0.1)";
@@ -126,7 +102,7 @@ TEST(IterationPlotPicture, MultipleCurvesStartAnewAtXOne) {
     CIterationPlot plot;
     Fill(plot.m_arrX, plot.m_arrY, {{1, 1}, {10, 1}, {100, 1}, {1, 0.01}, {10, 0.01}, {100, 0.01}});
     plot.RefreshIterationPlot(1);
-    Picture separate(plot);
+    const Picture separate = Draw(plot);
     separate.Save("iteration_multiple");
     const int upper = static_cast<int>(B - (B - T) * 0.75);
     const int lower = static_cast<int>(B - (B - T) * 0.25);
@@ -135,14 +111,14 @@ TEST(IterationPlotPicture, MultipleCurvesStartAnewAtXOne) {
     EXPECT_EQ(separate.Count(kBlue, 0, upper + 2, kWidth, lower - 1), 0)
         << "the end of one curve must not be joined to the start of the next";
     plot.RefreshIterationPlot(0);
-    Picture joined(plot);
+    const Picture joined = Draw(plot);
     EXPECT_GT(joined.Count(kBlue, 0, upper + 2, kWidth, lower - 1), 50) << "mode 0 draws one joined curve";
 }
 
 TEST(IterationPlotPicture, ASinglePointDrawsNothing) {
     CIterationPlot plot;
     Fill(plot.m_arrX, plot.m_arrY, {{5, 0.1}});
-    Picture p(plot);
+    const Picture p = Draw(plot);
     EXPECT_EQ(p.Count(kBlue, 0, 0, kWidth, kHeight), 0);
 }
 
@@ -150,7 +126,7 @@ TEST(SummaryPlotPicture, PointsHaveGreenMarkersWithRedOutlineJoinedInBlue) {
     CSummaryPlot plot;
     Fill(plot.m_arrX, plot.m_arrY, {{1, 0.1}, {2, 0.01}, {3, 0.001}});
     plot.SetSummaryAxis(1, 0);
-    Picture p(plot);
+    const Picture p = Draw(plot);
     p.Save("summary_points");
     // x = 1 of 0..10 and 10^-1 on an axis of 10^-4 .. 10^1.
     const int x1 = static_cast<int>(L + (R - L) * 1 / 10.0);
@@ -170,13 +146,13 @@ TEST(SummaryPlotPicture, SinglePointShowsOneMarkerAndTitleFollowsMode) {
     CSummaryPlot plot;
     Fill(plot.m_arrX, plot.m_arrY, {{1, 0.1}});
     plot.SetSummaryAxis(1, 0);
-    Picture trials(plot);
+    const Picture trials = Draw(plot);
     const int x1 = static_cast<int>(L + (R - L) / 10.0);
     const int y1 = static_cast<int>(B - (B - T) * 3 / 5.0);
     EXPECT_EQ(trials.At(x1, y1), kGreen) << "a single point shows as a marker";
     EXPECT_EQ(trials.Count(kBlue, 0, 0, kWidth, kHeight), 0) << "and no segment";
     plot.SetSummaryAxis(2, 2);
-    Picture units(plot);
+    const Picture units = Draw(plot);
     units.Save("summary_units_x2");
     EXPECT_NE(trials.Count(kBlack, 0, 0, kWidth, T - 2), units.Count(kBlack, 0, 0, kWidth, T - 2))
         << "the title must change with the mode and the multiplier";
@@ -250,7 +226,7 @@ TEST(IterationPlotRanges, ErrorsWithoutALogarithmAreLeftOutOfTheRangesAndDrawnOn
     CIterationPlot floor;
     Fill(floor.m_arrX, floor.m_arrY, {{1, 0.1}, {10, 0.0}});
     floor.RefreshIterationPlot(0);
-    Picture p(floor);
+    const Picture p = Draw(floor);
     EXPECT_EQ(p.At(L + (R - L) / 3 - 1, B - 1), kBlue) << "an error of 0 drops to the floor of the frame";
 }
 
@@ -259,7 +235,7 @@ TEST(IterationPlotRanges, DegenerateRangesStillDrawAndNeverHang) {
     Fill(plot.m_arrX, plot.m_arrY, {{1, 0.1}, {100, 0.01}});
     plot.m_dXMin = plot.m_dXMax = 1.0;
     plot.m_dYMin = plot.m_dYMax = -1.0;
-    Picture equal(plot);
+    const Picture equal = Draw(plot);
     equal.Save("iteration_degenerate");
     EXPECT_GT(equal.Count(kBlue, 0, 0, kWidth, kHeight), 10) << "equal bounds map as one decade around them";
     // Bounds a user might type: the widening must end at once.
@@ -270,7 +246,7 @@ TEST(IterationPlotRanges, DegenerateRangesStillDrawAndNeverHang) {
     EXPECT_EQ(plot.m_dYMax, -1.0);
     EXPECT_EQ(plot.m_dYMin, -1e300) << "a range only widens";
     EXPECT_EQ(plot.m_dXMax, 2.0);
-    Picture wild(plot);
+    const Picture wild = Draw(plot);
     SUCCEED();
 }
 
@@ -293,9 +269,9 @@ TEST(SummaryPlotRanges, MultiplierZeroDrawsAsOne) {
     CSummaryPlot plot;
     Fill(plot.m_arrX, plot.m_arrY, {{1, 0.1}, {2, 0.01}});
     plot.m_nMultiplier = 0;
-    Picture zero(plot);
+    const Picture zero = Draw(plot);
     plot.m_nMultiplier = 1;
-    Picture one(plot);
+    const Picture one = Draw(plot);
     const int x1 = static_cast<int>(L + (R - L) / 10.0);
     const int y1 = static_cast<int>(B - (B - T) * 3 / 5.0);
     EXPECT_EQ(zero.At(x1, y1), kGreen) << "multiplier 0 has no divisor: points map as for 1";
@@ -306,7 +282,7 @@ TEST(SummaryPlotRanges, MultiplierZeroDrawsAsOne) {
 
 TEST(DataPlotPicture, WithoutDataItShowsTheGreyFieldAndTheNotice) {
     CDataPlot plot;
-    Picture p(plot);
+    const Picture p = Draw(plot);
     p.Save("data_notice");
     EXPECT_EQ(p.At(0, 0), kField);
     EXPECT_EQ(p.At(kWidth - 1, kHeight - 1), kField);
@@ -331,7 +307,7 @@ TEST(DataPlotPicture, PatternsOverTheDecisionGrid) {
             plot.m_arrGridY.Add(y);
             plot.m_arrGridValue.Add(x + y < 1.0 ? 1.0 : (x + y < 1.5 ? threshold : -1.0));
         }
-    Picture p(plot);
+    const Picture p = Draw(plot);
     p.Save("data_patterns");
     const int field = static_cast<int>(1.0 / plot.m_dStepX);
     const int mx = (kWidth - field) / 2;
@@ -363,7 +339,7 @@ TEST(DataPlotPicture, HidingKeepsSeriesBoundsAndSteps) {
     EXPECT_EQ(plot.m_dMaxY, 20.0);
     EXPECT_EQ(plot.m_dStepY, step);
     EXPECT_EQ(plot.m_arrPatternX.GetSize(), 2);
-    Picture p(plot);
+    const Picture p = Draw(plot);
     EXPECT_EQ(p.At(0, 0), kField);
 }
 
@@ -396,7 +372,7 @@ TEST(DataPlotPicture, ARangeOfAThousandGivesAFieldOf909PixelsCentredAndClipped) 
     plot.RefreshDataPlot(true);
     EXPECT_DOUBLE_EQ(plot.m_dStepX, 1.1);
     EXPECT_EQ(static_cast<int>((plot.m_dMaxX - plot.m_dMinX) / plot.m_dStepX), 909);
-    Picture p(plot);
+    const Picture p = Draw(plot);
     const int mx = (kWidth - 909) / 2;  // negative: the field is wider than the control
     const int centre = mx + static_cast<int>(500.0 * 909 / 1000.0);
     const int field = static_cast<int>(100 / plot.m_dStepY);
@@ -419,7 +395,7 @@ TEST(DataPlotPicture, OnePatternOrAConstantInputDrawsAtTheMiddle) {
         plot.m_arrGridY.Add(5.0);
         plot.m_arrGridValue.Add(0.0);
     }
-    Picture p(plot);
+    const Picture p = Draw(plot);
     p.Save("data_constant_x");
     EXPECT_EQ(p.At(kWidth / 2, kHeight - (kHeight - static_cast<int>(4 / plot.m_dStepY)) / 2), kRed)
         << "x of no extent maps to the middle column";

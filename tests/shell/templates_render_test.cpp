@@ -1,16 +1,14 @@
 // Every dialog template builds into a window of its size with every control at its rectangle, and renders.
-// The pictures land in rendered/ of the working directory, for a person to look at.
+// The pictures land in the pictures folder, for a person to look at.
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QImage>
-#include <QPixmap>
 #include <QWidget>
 
 #include "platform/dialogwindow.h"
 #include "platform/qtaccess.h"
 #include "platform/scripted.h"
 #include "platform/templates.h"
+#include "support/picture.h"
 
 namespace {
 
@@ -22,7 +20,6 @@ public:
 TEST(DialogTemplates, EachBuildsAtItsSizeWithEveryControlAtItsRectangleAndRenders) {
     CScriptedPrompts prompts([](const std::string&) {});
     AfxSetPromptHook(&prompts);
-    QDir().mkpath("rendered");
     const ResourceTable& table = AfxGetResourceTable();
     ASSERT_GT(table.dialogCount, 0);
     for (int d = 0; d < table.dialogCount; ++d) {
@@ -45,9 +42,9 @@ TEST(DialogTemplates, EachBuildsAtItsSizeWithEveryControlAtItsRectangleAndRender
         }
         window->setAttribute(Qt::WA_DontShowOnScreen);
         window->show();
-        const QImage image = window->grab().toImage();
-        EXPECT_FALSE(image.isNull()) << tpl.id;
-        image.save(QString("rendered/dialog_%1.png").arg(tpl.id));
+        const Picture picture = Picture::Of(*window);
+        EXPECT_FALSE(picture.IsNull()) << tpl.id;
+        picture.Save("dialog_" + std::to_string(tpl.id));
         window->hide();
     }
     AfxSetPromptHook(nullptr);

@@ -1,41 +1,16 @@
-// A hidden main dialog with a small data set and a network set by hand, message boxes answered and recorded,
-// and result files written into a temporary directory.
+// The hidden main dialog with a small data set and a network set by hand, for whole training runs.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
-#include "platform/dialogwindow.h"
-#include "platform/files.h"
-#include "platform/scripted.h"
-#include "platform/uiqueue.h"
+#include <algorithm>
+
+#include "support/main_dialog.h"
 #include "workspace/blocks.h"
-#include "workspace/workspace.h"
 
-class TrainingRun : public ::testing::Test {
+class TrainingRun : public MainDialogTest {
 protected:
-    void SetUp() override {
-        AfxSetPromptHook(&m_prompts);
-        ASSERT_TRUE(m_dlg.CreateHidden());
-        char pattern[] = "/tmp/vantrel-training-XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        m_dir = pattern;
-        AfxSetModuleDirectory(m_dir.c_str());
-    }
-
-    void TearDown() override {
-        platform::PumpUntilWorkersDone(10000);
-        AfxSetModuleDirectory("");
-        AfxSetPromptHook(nullptr);
-        std::filesystem::remove_all(m_dir);
-    }
-
     // Rows of inputs followed by the desired output.
     void LoadPatterns(const std::vector<std::vector<double>>& rows) {
         const UINT inputs = static_cast<UINT>(rows.at(0).size() - 1);
@@ -84,48 +59,18 @@ protected:
         return result;
     }
 
-    std::string Text(int id) {
-        platform::DrainGuiQueue();
-        return m_dlg.Window()->Text(id);
+    // How a run that did not end normally leaves the window: Start is back and the controls it locked are free,
+    // but Verification stays off.
+    void ExpectEndedAbnormally() {
+        EXPECT_FALSE(m_dlg.m_bTraining);
+        EXPECT_EQ(Text(1010), "Start Training");
+        ExpectEnabled({1009, 1014, 1064, 1055}, true);
+        EXPECT_FALSE(Enabled(1038)) << "Verification must stay off";
     }
-    bool Enabled(int id) {
-        platform::DrainGuiQueue();
-        return m_dlg.Window()->IsEnabled(id);
-    }
-    void ExpectEnabled(std::initializer_list<int> ids, bool enabled) {
-        for (int id : ids) EXPECT_EQ(Enabled(id), enabled) << "control " << id;
-    }
-
-    std::vector<std::string> ResultFiles() const {
-        std::vector<std::string> files;
-        for (const auto& entry : std::filesystem::directory_iterator(m_dir))
-            if (entry.path().string().find("_result.txt") != std::string::npos) files.push_back(entry.path());
-        return files;
-    }
-    std::string ResultText() const {
-        const std::vector<std::string> files = ResultFiles();
-        if (files.size() != 1) return "<" + std::to_string(files.size()) + " result files>";
-        std::ifstream in(files[0], std::ios::binary);
-        std::stringstream text;
-        text << in.rdbuf();
-        return text.str();
-    }
-    static int Count(const std::string& text, const std::string& what) {
-        int count = 0;
-        for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++count;
-        return count;
-    }
-
-    const std::vector<std::string>& Boxes() const { return m_prompts.Boxes(); }
 
     std::vector<double> Curve(CDoubleArray& series) {
         return std::vector<double>(series.GetData(), series.GetData() + series.GetSize());
     }
-
-    std::vector<std::string> m_printed;
-    CScriptedPrompts m_prompts{[this](const std::string& line) { m_printed.push_back(line); }};
-    CVantrelDlg m_dlg;
-    std::string m_dir;
 
 private:
     static void Store(double* array, const std::vector<double>& values) {
