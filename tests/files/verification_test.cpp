@@ -1,6 +1,4 @@
 // Verification: the rows of each pattern set, the two files a press leaves, and every way a press ends early.
-#include <unistd.h>
-
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -202,7 +200,8 @@ TEST_F(VerificationTest, NetworkOfOtherInputsIsRefusedBeforeAnyRow) {
 }
 
 TEST(FileWrites, SeekToEndWritesReachTheFileInOrder) {
-    const std::string path = ::testing::TempDir() + "appends_" + std::to_string(::getpid()) + ".txt";
+    const TempFolder folder;
+    const std::string path = folder.Path() + "/appends.txt";
     CFile file;
     ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate));
     std::string expected;
@@ -219,5 +218,4 @@ TEST(FileWrites, SeekToEndWritesReachTheFileInOrder) {
     file.Close();
     std::ifstream in(path, std::ios::binary);
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), expected + "!");
-    std::remove(path.c_str());
 }
