@@ -42,6 +42,10 @@ void MirrorUpperToLower(double* a, size_t n);
 // CSingularMatrixException (matrix.h), a untouched, when a row has no element of non-zero magnitude.
 void FactorLU(double* a, int n, int* indx);
 
+// The solution x of A x = b for the matrix A whose factors FactorLU left in lu: the row swaps of indx in
+// their order, then the two triangular solves, as the plain substitution does for one right-hand side.
+void SolveWithFactors(const double* lu, int n, const int* indx, const double* b, double* x);
+
 // The inverse of the matrix whose factors FactorLU left in lu, written to inverse (n x n, row-major):
 // U^-1 L^-1 P, by a triangular inversion of L and a triangular solve with U on the optimised BLAS.
 void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse);

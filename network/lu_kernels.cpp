@@ -115,6 +115,15 @@ void FactorLU(double* a, int n, int* indx) {
     FactorPanel(f, 0, n);
 }
 
+void SolveWithFactors(const double* lu, int n, const int* indx, const double* b, double* x) {
+    if (n <= 0) return;
+    std::copy(b, b + n, x);
+    for (int k = 0; k < n; ++k)
+        if (indx[k] != k) std::swap(x[k], x[indx[k]]);
+    cblas_dtrsv(CblasRowMajor, CblasLower, CblasNoTrans, CblasUnit, n, lu, n, x, 1);
+    cblas_dtrsv(CblasRowMajor, CblasUpper, CblasNoTrans, CblasNonUnit, n, lu, n, x, 1);
+}
+
 void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse) {
     if (n <= 0) return;
     // inverse = L: the multipliers, a unit diagonal and zeros above it.

@@ -1,4 +1,4 @@
-// The workspace's inversion: InvertHessian, LUdcmp and LUBackSubstitute.
+// The workspace's inversion: InvertHessian, LUdcmp and LUBackSubstitute, and the solve of the damped step.
 #include <vector>
 
 #include "network/kernels.h"
@@ -37,4 +37,11 @@ void CVantrelDlg::InvertHessian() {
     std::vector<int> indx(n);
     LUdcmp(m_pHessian, n, indx.data());
     kernels::InvertFromFactors(m_pHessian, n, indx.data(), m_pHessianInv);
+}
+
+void CVantrelDlg::SolveHessian(double* x) {
+    const int n = static_cast<int>(m_nParams);
+    std::vector<int> indx(n);
+    LUdcmp(m_pHessian, n, indx.data());
+    kernels::SolveWithFactors(m_pHessian, n, indx.data(), m_pGradient, x);
 }

@@ -47,7 +47,8 @@ double UnpackAndComputeOutputs(CVantrelDlg& dlg) {
 }
 
 const DampedStepOps kErrorCorrectionOps{[](CVantrelDlg& dlg) { dlg.AccumulateSecondOrder(); },
-                                        [](CVantrelDlg& dlg) { dlg.InvertHessian(); }, UnpackAndComputeOutputs};
+                                        [](CVantrelDlg& dlg, double* x) { dlg.SolveHessian(x); },
+                                        UnpackAndComputeOutputs};
 
 // Adds a unit and trains the grown network for all m_nIterations iterations; there is no test against the
 // desired error within a unit. false: the user pressed Stop.

@@ -26,7 +26,8 @@ constexpr int kMaxTries = 6;
 // try (ComputeError, or ComputeOutputs, which also keeps the outputs for the worst-pattern search).
 struct DampedStepOps {
     void (*accumulate)(CVantrelDlg&);
-    void (*invert)(CVantrelDlg&);     // m_pHessian -> m_pHessianInv; may throw (singular matrix)
+    // The solution x of m_pHessian x = m_pGradient (n elements); destroys m_pHessian, may throw (singular matrix)
+    void (*solve)(CVantrelDlg&, double* x);
     double (*evaluate)(CVantrelDlg&); // the error of the network that m_pParams describes
 };
 

@@ -120,6 +120,9 @@ public:
 
     // ---- matrix inversion (network/) ----------------------------------------------------------------------------
     void InvertHessian();
+    // The damped step without the inverse: factors m_pHessian in place as InvertHessian does (same exception)
+    // and writes the solution x of m_pHessian x = m_pGradient; m_pHessianInv is not touched.
+    void SolveHessian(double* x);
     void LUdcmp(double* a, int n, int* indx);
     void LUBackSubstitute(double* a, int n, int* indx, double* b, double* x);
 
