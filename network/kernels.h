@@ -50,4 +50,22 @@ void SolveWithFactors(const double* lu, int n, const int* indx, const double* b,
 // U^-1 L^-1 P, by a triangular inversion of L and a triangular solve with U on the optimised BLAS.
 void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse);
 
+// Cores the kernels use: those the process may run on, or fewer after LimitThreads (0: no limit). For
+// benchmarks that compare one core with all.
+int ThreadCount();
+void LimitThreads(int count);
+
+// For its lifetime, gives the BLAS as many threads as work of about `flops` operations is worth: one for
+// small products and matrix-vector work, ThreadCount() for large ones. Restores the count it found.
+class CBlasThreads {
+public:
+    explicit CBlasThreads(double flops);
+    ~CBlasThreads();
+    CBlasThreads(const CBlasThreads&) = delete;
+    CBlasThreads& operator=(const CBlasThreads&) = delete;
+
+private:
+    int m_previous;
+};
+
 }  // namespace kernels

@@ -88,6 +88,8 @@ void FactorPanel(Factorization& f, int k0, int width) {
     const int k1 = k0 + left;
     const int right = width - left;
     FactorPanel(f, k0, left);
+    const double below = f.n - k1;
+    CBlasThreads threads(static_cast<double>(left) * right * (left + 2.0 * below));
     cblas_dtrsm(CblasRowMajor, CblasLeft, CblasLower, CblasNoTrans, CblasUnit, left, right, 1.0, f.At(k0, k0),
                 f.n, f.At(k0, k1), f.n);
     if (k1 < f.n)
@@ -117,6 +119,7 @@ void FactorLU(double* a, int n, int* indx) {
 
 void SolveWithFactors(const double* lu, int n, const int* indx, const double* b, double* x) {
     if (n <= 0) return;
+    CBlasThreads single(0.0);  // two passes over the factors: memory-bound, one thread reads as fast as two
     std::copy(b, b + n, x);
     for (int k = 0; k < n; ++k)
         if (indx[k] != k) std::swap(x[k], x[indx[k]]);
@@ -138,6 +141,7 @@ void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse
     // transpose is the transpose of the inverse, so LAPACK's column-major routine serves without copying.
     // With a unit diagonal it never meets a zero pivot, and the _work form skips LAPACKE's scan for NaNs:
     // a NaN matrix inverts to NaNs like any other.
+    CBlasThreads threads(4.0 / 3.0 * n * n * n);
     LAPACKE_dtrtri_work(LAPACK_COL_MAJOR, 'U', 'U', n, inverse, n);
     // U^-1 L^-1: each column solved against U, as the plain substitution does it.
     cblas_dtrsm(CblasRowMajor, CblasLeft, CblasUpper, CblasNoTrans, CblasNonUnit, n, n, 1.0, lu, n, inverse, n);
