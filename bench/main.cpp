@@ -10,11 +10,13 @@
 #include "ratio_reporter.h"
 
 void RegisterNetworkBenchmarks();  // network_bench.cpp
+void RegisterRunBenchmarks();      // run_bench.cpp
 
 int main(int argc, char** argv) {
     // An application object gives the read-out benchmark the window queue that a run posts into.
     QCoreApplication application(argc, argv);
     RegisterNetworkBenchmarks();
+    RegisterRunBenchmarks();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     CRatioReporter reporter(isatty(fileno(stdout)) ? benchmark::ConsoleReporter::OO_Defaults

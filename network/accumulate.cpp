@@ -7,14 +7,16 @@
 
 namespace {
 
-void Accumulate(CVantrelDlg& dlg, bool improved, bool secondOrder) {
-    // The inverse stays cleared until InvertHessian fills it.
+double Accumulate(CVantrelDlg& dlg, bool improved, bool secondOrder) {
     if (secondOrder)
         ReplaceBlocks(dlg, {Block::Gradient, Block::Hessian, Block::HessianInv}, CountsOf(dlg));
     else
         ReplaceBlocks(dlg, {Block::Gradient}, CountsOf(dlg));
-    kernels::AccumulateDerivatives(ViewOf(dlg, improved), dlg.m_nParams, secondOrder ? dlg.m_pHessian : nullptr,
-                                   dlg.m_pGradient);
+    // The kernel writes every element of the quasi-Hessian, and leaves the inverse, its spare storage on the
+    // way, cleared until InvertHessian fills it.
+    return kernels::AccumulateDerivatives(ViewOf(dlg, improved), dlg.m_nParams,
+                                          secondOrder ? dlg.m_pHessian : nullptr, dlg.m_pGradient,
+                                          secondOrder ? dlg.m_pHessianInv : nullptr);
 }
 
 }  // namespace
@@ -26,3 +28,7 @@ void CVantrelDlg::AccumulateImprovedSecondOrder() { Accumulate(*this, true, true
 void CVantrelDlg::AccumulateGradient() { Accumulate(*this, false, false); }
 
 void CVantrelDlg::AccumulateImprovedGradient() { Accumulate(*this, true, false); }
+
+double AccumulateGradientAndError(CVantrelDlg& dlg, bool improved) {
+    return Accumulate(dlg, improved, false) / static_cast<double>(dlg.m_nPatterns);
+}

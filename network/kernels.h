@@ -1,8 +1,11 @@
-// Fast dense kernels behind the accumulators and the inversion.
+// Fast dense kernels behind the accumulators, the error measure and the inversion.
 //
-// Accumulation: Jacobian rows are built a fixed-size block of patterns at a time and added to the upper
-// triangle of the quasi-Hessian by a symmetric rank-k update, the gradient by a matrix-vector product; the
-// lower triangle is mirrored once at the end. Memory is one block of rows, whatever the number of patterns.
+// Accumulation: the Jacobian is built a fixed-size block of patterns at a time, transposed (one row per
+// parameter, the patterns side by side, so that each unit's entries and its one exp per pattern run over
+// contiguous memory with vector instructions), and added to the upper triangle of the quasi-Hessian by a
+// symmetric rank-k update, to the gradient by a matrix-vector product; the lower triangle is mirrored once at
+// the end. The patterns fall into two halves that two threads sum apart when the work is large enough. Memory
+// is two blocks of rows, whatever the number of patterns.
 //
 // Factorization: a recursive right-looking LU. Its one-column steps keep the pivot rule of the plain
 // algorithm (implicit scaling, whole-row swaps, indx, the TINY replacement); the updates between them are
@@ -11,7 +14,7 @@
 // residual A * inverse - I.
 //
 // Results agree with the plain per-pattern loops and the plain decomposition (reference/reference.h) up to
-// rounding, measured normwise.
+// rounding, measured normwise; they do not depend on the number of cores.
 #pragma once
 
 #include <cstddef>
@@ -23,17 +26,49 @@ namespace kernels {
 // Patterns per block of Jacobian rows.
 constexpr UINT kRowBlock = 256;
 
-// Width of a row of the block: the packed vector's length, or the layout's when that is longer, so that
-// a row always has room for every entry of its form.
+// Number of rows of the transposed Jacobian: the packed vector's length, or the layout's when that is
+// longer, so that there is a row for every entry of the form.
 size_t RowWidth(const CNetworkView& net, UINT nParams);
 
-// Rows of the Jacobian of e = target - output for the patterns first .. first + count - 1: row r at
-// rows + r * ld, its error at errors[r]. Entries past the layout's length are 0.0.
-void FillJacobianRows(const CNetworkView& net, UINT first, UINT count, double* rows, size_t ld, double* errors);
+// The transposed Jacobian of e = target - output for the patterns first .. first + count - 1: the entry of
+// parameter k for pattern first + r at rows[k * ld + r] (k below layout.Count()), its error at errors[r].
+void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, double* rows, size_t ld,
+                            double* errors);
 
 // gradient[k] = sum of e * J[k] over all patterns. With hessian not null also hessian[i * nParams + j] = sum
 // of J[i] * J[j], both triangles; every element of hessian is written, so it needs no clearing beforehand.
-void AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hessian, double* gradient);
+// spare (nParams x nParams, needed with hessian) holds the second half's sum on the way and is left all 0.0.
+// Returns the sum of e * e over the patterns, the same value as SumSquaredErrors on the same network.
+double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hessian, double* gradient,
+                             double* spare);
+
+// Sum over the patterns of (output - target) squared; with outputs not null each output is stored there.
+double SumSquaredErrors(const CNetworkView& net, double* outputs);
+
+// exp of count values (in and out may be the same array), by vector instructions where the processor has them.
+void ExpArray(const double* in, double* out, size_t count);
+
+// Cores the kernels use: those the process may run on, or fewer after LimitThreads (0: no limit). For
+// benchmarks that compare one core with all.
+int ThreadCount();
+void LimitThreads(int count);
+
+// Keeps freed blocks of up to 32 MiB with the process for the next allocation, instead of returning them to
+// the system page by page; once per process, at the first accumulation.
+void KeepFreedBlocks();
+
+// For its lifetime, gives the BLAS as many threads as work of about `flops` operations is worth: one for
+// small products and matrix-vector work, ThreadCount() for large ones. Restores the count it found.
+class CBlasThreads {
+public:
+    explicit CBlasThreads(double flops);
+    ~CBlasThreads();
+    CBlasThreads(const CBlasThreads&) = delete;
+    CBlasThreads& operator=(const CBlasThreads&) = delete;
+
+private:
+    int m_previous;
+};
 
 // Copies the upper triangle of the n x n row-major matrix a onto its lower triangle.
 void MirrorUpperToLower(double* a, size_t n);
@@ -49,23 +84,5 @@ void SolveWithFactors(const double* lu, int n, const int* indx, const double* b,
 // The inverse of the matrix whose factors FactorLU left in lu, written to inverse (n x n, row-major):
 // U^-1 L^-1 P, by a triangular inversion of L and a triangular solve with U on the optimised BLAS.
 void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse);
-
-// Cores the kernels use: those the process may run on, or fewer after LimitThreads (0: no limit). For
-// benchmarks that compare one core with all.
-int ThreadCount();
-void LimitThreads(int count);
-
-// For its lifetime, gives the BLAS as many threads as work of about `flops` operations is worth: one for
-// small products and matrix-vector work, ThreadCount() for large ones. Restores the count it found.
-class CBlasThreads {
-public:
-    explicit CBlasThreads(double flops);
-    ~CBlasThreads();
-    CBlasThreads(const CBlasThreads&) = delete;
-    CBlasThreads& operator=(const CBlasThreads&) = delete;
-
-private:
-    int m_previous;
-};
 
 }  // namespace kernels

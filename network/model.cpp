@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "network/kernels.h"
 #include "network/network.h"
 #include "workspace/blocks.h"
 #include "workspace/workspace.h"
@@ -57,17 +58,10 @@ double OutputAt(const CVantrelDlg& dlg, const double* x, UINT used) {
     return y;
 }
 
-// The average sum square error; with outputs given, y of every pattern is stored there as well.
+// The average sum square error; with outputs given, y of every pattern is stored there as well. No pattern
+// gives 0 / 0, a NaN, which every caller already treats as a finished error.
 double AverageError(const CVantrelDlg& dlg, double* outputs) {
-    double sum = 0.0;
-    for (UINT p = 0; p < dlg.m_nPatterns; ++p) {
-        const double y = OutputAt(dlg, dlg.m_pInputs + static_cast<size_t>(p) * dlg.m_nInputs, dlg.m_nInputs);
-        if (outputs) outputs[p] = y;
-        const double e = y - dlg.m_pTargets[p];
-        sum += e * e;
-    }
-    // No pattern gives 0 / 0, a NaN, which every caller already treats as a finished error.
-    return sum / static_cast<double>(dlg.m_nPatterns);
+    return kernels::SumSquaredErrors(ViewOf(dlg, false), outputs) / static_cast<double>(dlg.m_nPatterns);
 }
 
 }  // namespace

@@ -54,3 +54,7 @@ double NetworkOutput(const CVantrelDlg& dlg, const double* x);
 // A view of the workspace's network and patterns, with the Jacobian form chosen by bImproved (the accumulator
 // decides the form, not m_nAlgorithm).
 CNetworkView ViewOf(const CVantrelDlg& dlg, bool bImproved);
+
+// AccumulateGradient (improved: AccumulateImprovedGradient) that also returns the average sum square error of
+// the same network, equal to what ComputeError gives: one pass computes each unit activation once for both.
+double AccumulateGradientAndError(CVantrelDlg& dlg, bool improved);

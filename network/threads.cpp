@@ -1,9 +1,12 @@
-// How many cores the kernels use, and the BLAS's thread count for each piece of work.
+// How the kernels use the machine: the cores, the BLAS's thread count for each piece of work, and the
+// allocator's keeping of freed blocks.
 #include <cblas.h>
+#include <malloc.h>
 #include <sched.h>
 
 #include <algorithm>
 #include <atomic>
+#include <mutex>
 #include <thread>
 
 #include "network/kernels.h"
@@ -29,6 +32,19 @@ int ThreadCount() {
 }
 
 void LimitThreads(int count) { g_limit.store(std::max(0, count), std::memory_order_relaxed); }
+
+void KeepFreedBlocks() {
+    static std::once_flag once;
+    std::call_once(once, [] {
+        // A damped iteration releases its n x n blocks and allocates them anew. By default the C library hands
+        // a freed block of that size back to the system, and every page of the next one faults in afresh: at
+        // 1201 parameters that alone took longer than the quasi-Hessian's update. Blocks up to 32 MiB (the
+        // most this threshold allows, n = 2048) now come from the heap, and freed memory stays with the
+        // process for the next block.
+        mallopt(M_MMAP_THRESHOLD, 32 * 1024 * 1024);
+        mallopt(M_TRIM_THRESHOLD, 1 << 30);
+    });
+}
 
 CBlasThreads::CBlasThreads(double flops) : m_previous(openblas_get_num_threads()) {
     // Below this much work a second thread costs more in waking and waiting than it saves.

@@ -138,8 +138,12 @@ TEST(Accumulators, BlockedKernelAgreesWithPlainLoopsAcrossRowBlocks) {
             const size_t n = dlg.m_nParams;
             // The kernel must write every element: start from NaNs where it would otherwise find garbage.
             std::vector<double> fast(n * n, std::numeric_limits<double>::quiet_NaN()), fastGradient(n);
+            std::vector<double> spare(n * n, std::numeric_limits<double>::quiet_NaN());
             std::vector<double> plain(n * n), plainGradient(n);
-            kernels::AccumulateDerivatives(view, dlg.m_nParams, fast.data(), fastGradient.data());
+            const double squares = kernels::AccumulateDerivatives(view, dlg.m_nParams, fast.data(),
+                                                                  fastGradient.data(), spare.data());
+            EXPECT_EQ(squares, kernels::SumSquaredErrors(view, nullptr)) << "P=" << patterns;
+            for (size_t k = 0; k < n * n; ++k) ASSERT_EQ(spare[k], 0.0) << "spare storage left uncleared at " << k;
             reference::Accumulate(view, dlg.m_nParams, plain.data(), plainGradient.data());
             const char* form = improved ? "improved" : "plain";
             if (patterns == 0) {
@@ -150,6 +154,41 @@ TEST(Accumulators, BlockedKernelAgreesWithPlainLoopsAcrossRowBlocks) {
             EXPECT_LT(RelativeDifference(fastGradient.data(), plainGradient.data(), n), 1e-13)
                 << form << " P=" << patterns;
         }
+    }
+}
+
+TEST(Accumulators, ResultsAndErrorAreTheSameOnOneCoreAsOnAll) {
+    CVantrelDlg dlg;
+    MakeSample(dlg, {3 * kernels::kRowBlock + 17, 2, 40, 0, 8});  // large enough for two threads
+    const size_t n = dlg.m_nParams;
+    dlg.AccumulateSecondOrder();
+    const std::vector<double> hessian(dlg.m_pHessian, dlg.m_pHessian + n * n);
+    const std::vector<double> gradient(dlg.m_pGradient, dlg.m_pGradient + n);
+    const double error = AccumulateGradientAndError(dlg, false);
+    EXPECT_EQ(error, dlg.ComputeError()) << "the first-order pass must give exactly the error measure";
+    kernels::LimitThreads(1);
+    dlg.AccumulateSecondOrder();
+    const double oneCoreError = dlg.ComputeError();
+    kernels::LimitThreads(0);
+    EXPECT_EQ(oneCoreError, error);
+    EXPECT_EQ(std::vector<double>(dlg.m_pGradient, dlg.m_pGradient + n), gradient);
+    EXPECT_EQ(std::vector<double>(dlg.m_pHessian, dlg.m_pHessian + n * n), hessian);
+}
+
+TEST(ExpArray, AgreesWithExpToRoundingIncludingInfinitiesAndNaN) {
+    std::vector<double> in = {0.0, -1e-300, 1.0, -0.5, -700.0, -745.2, -800.0, 709.0, 710.0,
+                              -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()};
+    for (int k = 0; k < 200; ++k) in.push_back(-30.0 + 0.173 * k);
+    std::vector<double> out(in.size());
+    kernels::ExpArray(in.data(), out.data(), in.size());
+    for (size_t k = 0; k < in.size(); ++k) {
+        const double expected = std::exp(in[k]);
+        if (std::isnan(expected))
+            EXPECT_TRUE(std::isnan(out[k])) << "exp(NaN) = " << out[k];
+        else if (std::isinf(expected) || expected == 0.0)
+            EXPECT_EQ(out[k], expected) << "exp(" << in[k] << ")";
+        else
+            EXPECT_NEAR(out[k], expected, 4e-16 * expected + 1e-320) << "exp(" << in[k] << ")";
     }
 }
 
