@@ -1,4 +1,5 @@
 // The first-order methods: one run function for both, apart from the accumulator.
+#include "network/network.h"
 #include "training/runframe.h"
 #include "training/training.h"
 
@@ -18,26 +19,35 @@ namespace {
 
 class CFirstOrderMethod : public CTrialMethod {
 public:
-    explicit CFirstOrderMethod(void (CVantrelDlg::*accumulate)()) : m_accumulate(accumulate) {}
+    explicit CFirstOrderMethod(bool improved) : m_improved(improved) {}
 
     // Every trial starts without momentum.
     void BeginTrial(CVantrelDlg& dlg) override {
         for (UINT i = 0; i < dlg.m_nParams; ++i) dlg.m_pDelta[i] = 0.0;
+        m_gradientReady = false;
     }
 
     double Iterate(CVantrelDlg& dlg, double) override {
-        (dlg.*m_accumulate)();
+        if (!m_gradientReady) {
+            if (m_improved) dlg.AccumulateImprovedGradient();
+            else dlg.AccumulateGradient();
+        }
         ApplyFirstOrderStep(dlg);
         dlg.UnpackParameters();
-        return dlg.ComputeError();
+        // The error of the new parameters and the next iteration's gradient come from the same outputs: one
+        // pass gives both, and the network does not change between here and the next iteration.
+        const double error = AccumulateGradientAndError(dlg, m_improved);
+        m_gradientReady = true;
+        return error;
     }
 
 private:
-    void (CVantrelDlg::*m_accumulate)();
+    bool m_improved;
+    bool m_gradientReady = false;
 };
 
-UINT TrainFirstOrderWith(void* pParam, void (CVantrelDlg::*accumulate)()) {
-    CFirstOrderMethod method(accumulate);
+UINT TrainFirstOrderWith(void* pParam, bool improved) {
+    CFirstOrderMethod method(improved);
     return RunTrials(*static_cast<CVantrelDlg*>(pParam), method);
 }
 
@@ -45,9 +55,9 @@ UINT TrainFirstOrderWith(void* pParam, void (CVantrelDlg::*accumulate)()) {
 }  // namespace training
 
 UINT TrainFirstOrder(void* pParam) {
-    return training::TrainFirstOrderWith(pParam, &CVantrelDlg::AccumulateGradient);
+    return training::TrainFirstOrderWith(pParam, false);
 }
 
 UINT TrainImprovedFirstOrder(void* pParam) {
-    return training::TrainFirstOrderWith(pParam, &CVantrelDlg::AccumulateImprovedGradient);
+    return training::TrainFirstOrderWith(pParam, true);
 }
