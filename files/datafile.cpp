@@ -11,7 +11,6 @@
 
 namespace {
 
-constexpr const char* kTooLarge = "Data set is too large to load!";
 constexpr const char* kNoPatterns = "Data file holds no patterns!";
 constexpr const char* kNoInputs = "Number of Inputs Should Be Larger Than Zero";
 
@@ -78,7 +77,7 @@ void CVantrelDlg::OnLoadData() {
     std::string text;
     const ReadTextResult read = ReadScanText(m_strDataPath, text);
     if (read != ReadTextResult::Ok) {
-        MessageBox(read == ReadTextResult::CannotOpen ? "Sorry, Cannot Open File!" : kTooLarge, "Error",
+        MessageBox(read == ReadTextResult::CannotOpen ? "Sorry, Cannot Open File!" : kDataSetTooLarge, "Error",
                    MB_ICONHAND);
         m_bDataLoaded = false;
         return;
@@ -89,7 +88,7 @@ void CVantrelDlg::OnLoadData() {
 
     const CDataSetShape shape = MeasureDataSet(text);
     if (shape.patterns > UINT_MAX || shape.columns > UINT_MAX) {
-        MessageBox(kTooLarge, "Error", MB_ICONHAND);
+        MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
         m_bDataLoaded = false;
         return;
     }
@@ -108,7 +107,7 @@ void CVantrelDlg::OnLoadData() {
         m_nPatterns = 0;
         m_nInputs = 0;
         m_nOutputs = 0;
-        MessageBox(kTooLarge, "Error", MB_ICONHAND);
+        MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
         m_bDataLoaded = false;
         return;
     }

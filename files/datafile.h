@@ -11,6 +11,9 @@
 inline constexpr const char* kDataFileFilter =
     "Text files (*.txt)|*.txt|Data files (*.dat)|*.dat|All files (*.*)|*.*||";
 
+// The message when a data set's counts or blocks would not fit in memory.
+inline constexpr const char* kDataSetTooLarge = "Data set is too large to load!";
+
 struct CDataSetShape {
     std::size_t patterns = 0;  // rows of the text
     std::size_t columns = 0;   // tokens of the first row; 0 for a text without rows
