@@ -18,6 +18,7 @@ void CVantrelDlg::ResetNetwork() {
     std::fill(m_pOutputWeights, m_pOutputWeights + m_nOutputs, 1.0);
     m_nUnits = 0;
     m_nNetworkInputs = m_nInputs;
+    m_nNetworkPatterns = m_nPatterns;
 }
 
 void CVantrelDlg::AddUnitAtWorstPattern() {
@@ -124,11 +125,15 @@ UINT TrainByErrorCorrection(void* pParam) {
     using namespace training;
     CVantrelDlg& dlg = *static_cast<CVantrelDlg*>(pParam);
     RunState run(dlg);
+    const bool online = AfxReadShared(dlg.m_bOnline) != 0;
+    // After a stopped online run the box stays checked while Load Data is open again: a data set loaded then
+    // would be trained on with a network and outputs of another shape.
+    if (online && !NetworkFitsPatterns(dlg)) return EndRun(run, RunEnding::Failed, kNetworkOfAnotherSet);
     if (!BeginRun(run)) return 1;
     std::unique_ptr<double[]> savedHessian;
     try {
         // Online, the units already trained stay; their outputs decide where the first new unit goes.
-        if (AfxReadShared(dlg.m_bOnline) == 0) dlg.ResetNetwork();
+        if (!online) dlg.ResetNetwork();
         else dlg.ComputeOutputs();
         for (UINT k = 0; k < dlg.m_nMaxUnits; ++k) {
             if (!TrainNewUnit(run, savedHessian)) {

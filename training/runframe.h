@@ -47,6 +47,11 @@ void FeedIterationPlot(CVantrelDlg& dlg, const CDoubleArray& errors, bool restar
 void FeedSummaryPlot(CVantrelDlg& dlg, const CDoubleArray& errors, int multiplier, int mode);
 void FeedDataPlot(CVantrelDlg& dlg);
 
+// Online training goes on from the grown network only while the data set has the inputs and patterns that
+// the network and m_pOutputs were made for; a data set loaded since leaves them of another shape.
+bool NetworkFitsPatterns(const CVantrelDlg& dlg);
+extern const char* const kNetworkOfAnotherSet;
+
 // How a run ended.
 enum class RunEnding {
     Normal,   // all trials or units done, or the goal reached

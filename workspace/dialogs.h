@@ -162,8 +162,13 @@ public:
     UINT m_nExtraUnits = 0;
     CString m_strNewDataPath;
 
+    // Stays open while the extra count is 0; the path may be empty.
+    void OnOK() override;
+
 protected:
     void DoDataExchange(CDataExchange* dx) override;
+    void OnBrowse();
+    DECLARE_MESSAGE_MAP()
 };
 
 class CAboutDlg : public CDialog {

@@ -29,6 +29,9 @@ public:
     // The number of inputs the network arrays were shaped for. Load Data changes m_nInputs and leaves the
     // network as it was, so the two can differ until the next Initialization or run.
     UINT m_nNetworkInputs = 0;
+    // The number of patterns m_pOutputs was made for (ResetNetwork, and the merge of new patterns): online
+    // training goes on from the network only while both counts still hold.
+    UINT m_nNetworkPatterns = 0;
 
     double* m_pInputs = nullptr;             // m_nPatterns x m_nInputs
     double* m_pTargets = nullptr;            // m_nPatterns x m_nOutputs
@@ -131,6 +134,7 @@ public:
     void ResetNetwork();
     void AddUnitAtWorstPattern();
     void OnOnlineTraining();
+    int LoadOnlineData(CString* path);
 
     // ---- files (files/) -----------------------------------------------------------------------------------------
     void OnLoadData();
