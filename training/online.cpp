@@ -1,14 +1,15 @@
 // Online training: a network that the Error Correction Algorithm has grown is extended by the next run, with
 // new patterns merged behind the old ones and with extra units. This file arms that run; the run itself is
 // TrainByErrorCorrection with m_bOnline set.
-#include <algorithm>
 #include <climits>
+#include <new>
 #include <string>
 
 #include "files/datafile.h"
 #include "files/scanner.h"
 #include "platform/thread.h"
 #include "training/runframe.h"
+#include "workspace/blocks.h"
 
 namespace {
 
@@ -23,7 +24,7 @@ void UncheckOnline(CVantrelDlg& dlg) {
 // The patterns of a classification set, old and new alike, go to the data plot over an empty grid: the
 // network's decision regions of the old set say nothing of the new bounds until the run has drawn them.
 void ShowMergedPatterns(CVantrelDlg& dlg) {
-    if (dlg.m_bClassification) FeedPatternsToPlot(dlg);
+    if (dlg.m_bClassification) dlg.m_dataPlot.SetPatterns(dlg.m_pInputs, dlg.m_nInputs, dlg.m_pTargets, dlg.m_nPatterns);
     dlg.m_dataPlot.RefreshDataPlot(dlg.m_bClassification);
 }
 
@@ -97,24 +98,22 @@ int CVantrelDlg::LoadOnlineData(CString* path) {
         MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
         return 0;
     }
+    // The network fits the data set (checked before), so m_pOutputs has a row for each old pattern.
     const std::size_t oldPatterns = m_nPatterns, rows = shape.patterns, n = m_nInputs, outputs = m_nOutputs;
-    const std::size_t patterns = oldPatterns + rows;
-    // Rows shorter than the first leave the last elements unreached; they read as 0, as a token without a
-    // number does. Longer rows are read only as far as the blocks reach.
-    std::unique_ptr<double[]> inputs(new double[patterns * n]()), targets(new double[patterns * outputs]());
-    std::unique_ptr<double[]> networkOutputs(new double[patterns * outputs]());
-    std::copy(m_pInputs, m_pInputs + oldPatterns * n, inputs.get());
-    std::copy(m_pTargets, m_pTargets + oldPatterns * outputs, targets.get());
-    ReadPatternRows(text, m_nInputs, inputs.get() + oldPatterns * n, rows * n, targets.get() + oldPatterns * outputs,
+    CBlockCounts counts = CountsOf(*this);
+    counts.patterns = oldPatterns + rows;
+    try {
+        // Rows shorter than the first leave the last elements of the new rows unreached: they keep the 0.0
+        // that a grown block starts with, as a token without a number reads. Longer rows are read only as far
+        // as the blocks reach.
+        GrowBlocks(*this, {Block::Inputs, Block::Targets, Block::Outputs}, counts);
+    } catch (const std::bad_alloc&) {
+        MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
+        return 0;
+    }
+    ReadPatternRows(text, m_nInputs, m_pInputs + oldPatterns * n, rows * n, m_pTargets + oldPatterns * outputs,
                     rows * outputs);
-
-    delete[] m_pInputs;
-    delete[] m_pTargets;
-    delete[] m_pOutputs;
-    m_pInputs = inputs.release();
-    m_pTargets = targets.release();
-    m_pOutputs = networkOutputs.release();
-    m_nPatterns = static_cast<UINT>(patterns);
+    m_nPatterns = static_cast<UINT>(counts.patterns);
     m_nNetworkPatterns = m_nPatterns;
     return 1;
 }
