@@ -37,9 +37,13 @@ bool TestingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
     CFileDialog fileDlg(TRUE, "txt", nullptr, 6, kDataFileFilter);
     if (fileDlg.DoModal() != IDOK) return false;
     std::string text;
-    if (ReadScanText(fileDlg.GetPathName(), text) != ReadTextResult::Ok) {
-        // A file too large to read whole fails here as well: either way nothing of it can be verified.
+    const ReadTextResult read = ReadScanText(fileDlg.GetPathName(), text);
+    if (read == ReadTextResult::CannotOpen) {
         dlg.MessageBox("Data file opening failed", "Error", MB_ICONEXCLAMATION);
+        return false;
+    }
+    if (read != ReadTextResult::Ok) {
+        ShowError(dlg, kDataSetTooLarge);
         return false;
     }
     const CDataSetShape shape = MeasureDataSet(text);
@@ -50,7 +54,7 @@ bool TestingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
     try {
         set = ReadTestingPatterns(text, shape.patterns, dlg.m_nInputs, dlg.m_nOutputs);
     } catch (const std::bad_alloc&) {
-        ShowError(dlg, "Testing data is too large to verify!");
+        ShowError(dlg, kDataSetTooLarge);
         return false;
     }
     return true;
