@@ -1,7 +1,6 @@
 #include "platform/app.h"
 
 #include <QApplication>
-#include <QFont>
 #include <clocale>
 
 CWinApp::CWinApp() = default;
@@ -10,8 +9,6 @@ void AfxEnableControlContainer() {}
 
 void AfxInitPlatform() {
     std::setlocale(LC_NUMERIC, "C");
-    QFont::insertSubstitution("MS Sans Serif", "Liberation Sans");
-    QFont::insertSubstitution("Times New Roman", "Liberation Serif");
 }
 
 int CWinApp::Run(int argc, char** argv) {

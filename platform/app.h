@@ -20,6 +20,5 @@ public:
 void AfxEnableControlContainer();
 
 // After the window system has started: numbers are read and written with a point whatever the user's locale
-// (Qt adopts the user's locale, and with a decimal comma atof and "%f" would silently change numbers), and
-// fonts that this system lacks map to metric-compatible faces.
+// (Qt adopts the user's locale, and with a decimal comma atof and "%f" would silently change numbers).
 void AfxInitPlatform();

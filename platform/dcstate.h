@@ -73,8 +73,8 @@ struct DcState {
     COLORREF bkColor = RGB(255, 255, 255);
 };
 
-// The Qt font for a CFont: named faces this system lacks map to the Liberation faces, sizes are pixels at
-// 96 dots per inch, and glyphs are drawn without antialiasing.
+// The Qt font for a CFont: named faces this system lacks map to their stand-ins (fonts.h), sizes are pixels
+// at 96 dots per inch, and glyphs are drawn without antialiasing.
 QFont QtFontOf(const CFont& font);
 
 }  // namespace platform

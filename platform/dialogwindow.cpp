@@ -16,6 +16,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 
+#include "platform/fonts.h"
 #include "platform/prompt.h"
 #include "platform/qtaccess.h"
 
@@ -68,9 +69,7 @@ QWidget* ActiveDialogWidget() {
 DialogWindow::DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* parent)
     : QDialog(parent), m_owner(owner), m_template(tpl), m_systemMenu(std::make_unique<CMenu>()) {
     setWindowTitle(QtText(tpl.caption));
-    QFont font(QtText(tpl.fontFace));
-    font.setPointSize(tpl.fontPoints);
-    setFont(font);
+    setFont(StandInFont(tpl.fontFace, tpl.fontPoints * 10, false));
     ComputeBaseUnits();
     setFixedSize(DluToPixelsX(tpl.cx), DluToPixelsY(tpl.cy));
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
@@ -79,11 +78,7 @@ DialogWindow::DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* p
     for (int i = 0; i < tpl.controlCount; ++i) {
         const ControlTemplate& control = tpl.controls[i];
         QWidget* widget = CreateControl(control);
-        widget->setGeometry(DluToPixelsX(control.x), DluToPixelsY(control.y), DluToPixelsX(control.cx),
-                            DluToPixelsY(control.cy));
-        if (control.kind == ControlKind::ComboBox)  // the template's height is that of the open list
-            widget->resize(widget->width(), DluToPixelsY(12) + 2);
-        FitCaption(control, widget);
+        widget->setGeometry(ControlRect(control));
         if (control.style & WS_DISABLED) widget->setEnabled(false);
         if (control.id > 0) {
             m_controls[control.id] = widget;
@@ -115,17 +110,15 @@ void DialogWindow::ComputeBaseUnits() {
     if (m_baseY <= 0) m_baseY = 13;
 }
 
-void DialogWindow::FitCaption(const ControlTemplate& control, QWidget* widget) const {
-    // The stand-in font runs a little wider than the one the rectangles were laid out for: a label, check
-    // box or radio button whose caption overruns by a letter or two grows to show it whole. A rule drawn
-    // wider than its rectangle stays cut at it, as it was meant to be.
-    const bool label = control.kind == ControlKind::Static && !(control.style & SS_SUNKEN);
-    const bool button = control.kind == ControlKind::AutoRadioButton || control.kind == ControlKind::AutoCheckBox;
-    if ((!label && !button) || control.caption == nullptr) return;
-    const int needed = label ? widget->fontMetrics().horizontalAdvance(QtText(control.caption)) + 1
-                             : widget->sizeHint().width();
-    if (needed > widget->width() && needed - widget->width() <= 2 * m_baseX)
-        widget->resize(needed, widget->height());
+QRect DialogWindow::ControlRect(const ControlTemplate& control) const {
+    // Both edges are converted, not the width: two rectangles that touch in dialog units touch in pixels,
+    // where rounding each width apart would let a control overlap its neighbour by a pixel.
+    const int left = DluToPixelsX(control.x);
+    const int top = DluToPixelsY(control.y);
+    int bottom = DluToPixelsY(control.y + control.cy);
+    // A combo box's rectangle is that of the open list; closed, it is one edit line high.
+    if (control.kind == ControlKind::ComboBox) bottom = top + DluToPixelsY(12) + 2;
+    return QRect(QPoint(left, top), QPoint(DluToPixelsX(control.x + control.cx) - 1, bottom - 1));
 }
 
 int DialogWindow::DluToPixelsX(int dlu) const { return (dlu * m_baseX + 2) / 4; }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QRect>
 #include <map>
 #include <memory>
 #include <string>
@@ -30,6 +31,8 @@ public:
 
     int DluToPixelsX(int dlu) const;
     int DluToPixelsY(int dlu) const;
+    // Where a control of the template stands, in pixels of the dialog.
+    QRect ControlRect(const ControlTemplate& control) const;
 
     // The controls of the radio group that contains id, in template order.
     std::vector<int> RadioGroupOf(int id) const;
@@ -62,7 +65,6 @@ protected:
 
 private:
     void ComputeBaseUnits();
-    void FitCaption(const ControlTemplate& control, QWidget* widget) const;
     QWidget* CreateControl(const ControlTemplate& control);
     void Connect(const ControlTemplate& control, QWidget* widget);
     void CheckRadioInGroup(int id);

@@ -3,41 +3,21 @@
 #include <QFontMetrics>
 #include <QString>
 #include <QStringList>
-#include <algorithm>
-#include <cstring>
 
 #include "platform/dcstate.h"
 #include "platform/drawing.h"
+#include "platform/fonts.h"
 
 namespace platform {
 
 QFont QtFontOf(const CFont& font) {
-    struct Substitute {
-        const char* face;
-        const char* family;
-        QFont::StyleHint hint;
-    };
-    static const Substitute substitutes[] = {
-        {"Times New Roman", "Liberation Serif", QFont::Serif},
-        {"MS Sans Serif", "Liberation Sans", QFont::SansSerif},
-        {"Arial", "Liberation Sans", QFont::SansSerif},
-        {"Courier New", "Liberation Mono", QFont::Monospace},
-    };
-    QString family = QString::fromUtf8(font.m_face.str().c_str());
-    QFont::StyleHint hint = QFont::AnyStyle;
-    for (const Substitute& s : substitutes)
-        if (font.m_face == s.face) {
-            family = QString::fromLatin1(s.family);
-            hint = s.hint;
-        }
-    QFont result(family);
-    result.setStyleHint(hint, QFont::NoAntialias);
+    // Tenths of a point at 96 dots per inch, truncated as the API this stands in for does: 110 gives
+    // 14 pixels, 100 gives 13, 70 gives 9.
+    QFont result = StandInFont(font.m_face.str().c_str(), font.m_pointSizeTenths, true);
+    result.setStyleStrategy(QFont::NoAntialias);
     // Full hinting snaps small glyphs to the pixel grid; without it the point of "1.00" at 7 points
     // covers no pixel centre and vanishes.
     result.setHintingPreference(QFont::PreferFullHinting);
-    // Tenths of a point at 96 dots per inch, truncated as the API this stands in for does: 110 gives
-    // 14 pixels, 100 gives 13, 70 gives 9.
-    result.setPixelSize(std::max(1, font.m_pointSizeTenths * 96 / 720));
     return result;
 }
 

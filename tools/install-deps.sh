@@ -2,7 +2,7 @@
 # Installs the Debian 12 packages that building, running and testing Vantrel need, if any is missing.
 set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev
-          libopenblas-dev liblapacke-dev fonts-liberation xdg-utils)
+          libopenblas-dev liblapacke-dev fonts-liberation fonts-urw-base35 xdg-utils)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

@@ -123,8 +123,8 @@ TEST_F(DialogLayer, DialogUnitsComeFromTheDialogFontMetrics) {
     EXPECT_EQ(m_window->width(), m_window->DluToPixelsX(260));
     EXPECT_EQ(m_window->height(), m_window->DluToPixelsY(294));
     const QWidget* edit = m_window->Control(1096);  // at 113,77,25,12
-    EXPECT_EQ(edit->geometry(), QRect(m_window->DluToPixelsX(113), m_window->DluToPixelsY(77),
-                                      m_window->DluToPixelsX(25), m_window->DluToPixelsY(12)));
+    EXPECT_EQ(edit->geometry(), QRect(QPoint(m_window->DluToPixelsX(113), m_window->DluToPixelsY(77)),
+                                      QPoint(m_window->DluToPixelsX(113 + 25) - 1, m_window->DluToPixelsY(77 + 12) - 1)));
 }
 
 // ---- a worker's control operations -----------------------------------------------------------------------
