@@ -164,6 +164,12 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
         case ControlKind::Edit: {
             auto* edit = new QLineEdit(this);
             edit->setReadOnly(control.style & ES_READONLY);
+            if (control.style & ES_READONLY) {
+                // A read-only edit shows the dialog's face colour, so that outputs read apart from inputs.
+                QPalette palette = edit->palette();
+                palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+                edit->setPalette(palette);
+            }
             const UINT align = control.style & 0x3;
             edit->setAlignment(align == ES_CENTER ? Qt::AlignCenter
                                : align == ES_RIGHT ? Qt::AlignRight | Qt::AlignVCenter
@@ -175,8 +181,9 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return new QComboBox(this);
         case ControlKind::ListBox: {
             auto* list = new QListWidget(this);
-            list->setVerticalScrollBarPolicy((control.style & WS_VSCROLL) ? Qt::ScrollBarAlwaysOn
-                                                                          : Qt::ScrollBarAsNeeded);
+            // The style's scroll bar shows when the lines do not fit, as a desktop list box's does.
+            list->setVerticalScrollBarPolicy((control.style & WS_VSCROLL) ? Qt::ScrollBarAsNeeded
+                                                                          : Qt::ScrollBarAlwaysOff);
             list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
             list->setTextElideMode(Qt::ElideNone);  // a long line is cut at the box's edge
             list->setUniformItemSizes(true);         // one line a row: keeps a long list's layout cheap

@@ -77,6 +77,8 @@ public:
 
     UINT TrackPopupMenu(const CMenu& menu, int x, int y) override {
         QMenu popup;
+        // The menu speaks in the dialog's font, as the rest of the window does.
+        if (QWidget* owner = platform::ActiveDialogWidget()) popup.setFont(owner->font());
         for (const CMenu::Item& item : menu.Items()) {
             if (item.flags & MF_SEPARATOR) {
                 popup.addSeparator();
