@@ -41,9 +41,14 @@ struct DcState {
     // Pixels left <= x < right of row y, clipped to the surface.
     void FillSpan(int y, int left, int right, COLORREF color);
     void FillSpans(const std::vector<raster::Span>& spans, COLORREF color);
+    // The device pixel of a memory DC's image where the logical pixel edge `edge` falls.
+    int DeviceEdge(int edge) const;
     // Drops the surface and goes back to the stock objects.
     void Reset();
 
+    // Device pixels per logical pixel of the surface the DC paints for: a memory DC draws in logical pixels
+    // into an image of this ratio, so that a 1.5x or 2x screen gets a sharp picture of the same drawing.
+    qreal ratio = 1.0;
     Kind kind = Kind::None;
     std::shared_ptr<QImage> image;  // memory DC: the selected bitmap's image, null for the stock bitmap
     QWidget* widget = nullptr;      // paint DC

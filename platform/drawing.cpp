@@ -4,7 +4,9 @@
 
 #include <QFrame>
 #include <QWidget>
+#include <QPaintEngine>
 #include <algorithm>
+#include <cmath>
 
 #include "platform/dcstate.h"
 #include "platform/qtaccess.h"
@@ -27,6 +29,7 @@ void DcState::Reset() {
     widget = nullptr;
     clientSize = QSize();
     kind = Kind::None;
+    ratio = 1.0;
     pen = stockPen;
     penObject = &stockPen;
     brush = stockBrush;
@@ -40,8 +43,14 @@ void DcState::Reset() {
     bkColor = RGB(255, 255, 255);
 }
 
+int DcState::DeviceEdge(int edge) const { return image ? qRound(edge * image->devicePixelRatio()) : edge; }
+
 raster::Bounds DcState::Surface() const {
-    if (kind == Kind::Memory && image) return {0, 0, image->width(), image->height()};
+    if (kind == Kind::Memory && image) {
+        // The image is the logical size times its ratio, rounded up: truncating gives the logical size back.
+        const qreal r = image->devicePixelRatio();
+        return {0, 0, static_cast<int>(image->width() / r), static_cast<int>(image->height() / r)};
+    }
     if (kind == Kind::Paint && painter) return {0, 0, clientSize.width(), clientSize.height()};
     return {};
 }
@@ -67,8 +76,13 @@ void DcState::FillSpan(int y, int left, int right, COLORREF color) {
     if (left >= right) return;
     if (kind == Kind::Memory) {
         ReleaseImagePainter();
-        QRgb* line = reinterpret_cast<QRgb*>(image->scanLine(y));
-        std::fill(line + left, line + right, ToQRgb(color));
+        // A logical pixel covers whole device pixels, so that a one-pixel line stays sharp at any ratio.
+        const int deviceRight = std::min(DeviceEdge(right), image->width());
+        const int deviceLeft = DeviceEdge(left);
+        for (int row = DeviceEdge(y); row < std::min(DeviceEdge(y + 1), image->height()); ++row) {
+            QRgb* line = reinterpret_cast<QRgb*>(image->scanLine(row));
+            std::fill(line + deviceLeft, line + deviceRight, ToQRgb(color));
+        }
     } else if (painter) {
         painter->fillRect(QRect(left, y, right - left, 1), QColor(ToQRgb(color)));
     }
@@ -111,10 +125,14 @@ BOOL CFont::CreatePointFont(int pointSize, LPCTSTR faceName, CDC* /*dc*/) {
 CBitmap::CBitmap() : m_impl(std::make_unique<Impl>()) {}
 CBitmap::~CBitmap() = default;
 
-BOOL CBitmap::CreateCompatibleBitmap(CDC* /*dc*/, int width, int height) {
+BOOL CBitmap::CreateCompatibleBitmap(CDC* dc, int width, int height) {
     if (width < 0 || height < 0) return FALSE;
-    // A bitmap of no area is valid and shows nothing, as for a control that has no size yet.
-    m_impl->image = std::make_shared<QImage>(width, height, QImage::Format_RGB32);
+    // A bitmap of no area is valid and shows nothing, as for a control that has no size yet. It has the
+    // device pixels of the DC's screen, and is drawn on in logical pixels.
+    const qreal ratio = dc != nullptr ? dc->m_state->ratio : 1.0;
+    m_impl->image = std::make_shared<QImage>(static_cast<int>(std::ceil(width * ratio)),
+                                             static_cast<int>(std::ceil(height * ratio)), QImage::Format_RGB32);
+    m_impl->image->setDevicePixelRatio(ratio);
     m_impl->image->fill(Qt::black);
     return TRUE;
 }
@@ -124,13 +142,18 @@ BOOL CBitmap::DeleteObject() {
     return TRUE;
 }
 
-int CBitmap::Width() const { return m_impl->image ? m_impl->image->width() : 0; }
-int CBitmap::Height() const { return m_impl->image ? m_impl->image->height() : 0; }
+int CBitmap::Width() const {
+    return m_impl->image ? static_cast<int>(m_impl->image->width() / m_impl->image->devicePixelRatio()) : 0;
+}
+int CBitmap::Height() const {
+    return m_impl->image ? static_cast<int>(m_impl->image->height() / m_impl->image->devicePixelRatio()) : 0;
+}
 
 COLORREF CBitmap::GetPixel(int x, int y) const {
     const QImage* image = m_impl->image.get();
-    if (!image || !image->valid(x, y)) return 0;
-    return platform::FromQRgb(image->pixel(x, y));
+    if (!image || x < 0 || y < 0 || x >= Width() || y >= Height()) return 0;
+    const qreal r = image->devicePixelRatio();
+    return platform::FromQRgb(image->pixel(qRound(x * r), qRound(y * r)));
 }
 
 void* CBitmap::Image() const { return m_impl->image.get(); }
@@ -140,9 +163,11 @@ void* CBitmap::Image() const { return m_impl->image.get(); }
 CDC::CDC() : m_state(std::make_unique<DcState>()) {}
 CDC::~CDC() = default;
 
-BOOL CDC::CreateCompatibleDC(CDC* /*dc*/) {
+BOOL CDC::CreateCompatibleDC(CDC* dc) {
+    const qreal ratio = dc != nullptr ? dc->m_state->ratio : 1.0;
     m_state->Reset();
     m_state->kind = DcState::Kind::Memory;
+    m_state->ratio = ratio;
     return TRUE;
 }
 
@@ -210,6 +235,10 @@ CPaintDC::CPaintDC(CWnd* window) {
     m_state->widget = widget;
     m_state->clientSize = client.size();
     m_state->painter = std::make_unique<QPainter>(widget);
+    // The device actually painted: the screen's backing store, or the image of a grab or render.
+    const QPaintEngine* engine = m_state->painter->paintEngine();
+    m_state->ratio = engine != nullptr && engine->paintDevice() != nullptr ? engine->paintDevice()->devicePixelRatio()
+                                                                           : widget->devicePixelRatio();
     m_state->painter->setRenderHint(QPainter::Antialiasing, false);
     m_state->painter->setRenderHint(QPainter::TextAntialiasing, false);
     m_state->painter->translate(client.topLeft());

@@ -132,6 +132,7 @@ public:
 
 protected:
     std::unique_ptr<platform::DcState> m_state;
+    friend class CBitmap;
 };
 
 // The DC of a control's paint: draws on the control's window. Outside the paint of that window, or for a

@@ -145,20 +145,29 @@ BOOL CDC::BitBlt(int x, int y, int width, int height, CDC* source, int xSource, 
     if (from.kind != DcState::Kind::Memory) return FALSE;
     if (!from.image) return TRUE;
     from.ReleaseImagePainter();
-    // The part of the source that exists; a copy of it, so that a DC may copy within itself.
-    const QRect wanted(xSource, ySource, width, height);
-    const QRect part = wanted.intersected(from.image->rect());
+    // The part of the source that exists, in logical pixels; a copy of its device pixels, so that a DC may
+    // copy within itself.
+    const raster::Bounds s = from.Surface();
+    const QRect part = QRect(xSource, ySource, width, height).intersected(QRect(s.left, s.top, s.right, s.bottom));
     if (part.isEmpty()) return TRUE;
-    const QImage piece = from.image->copy(part);
+    QImage piece = from.image->copy(QRect(QPoint(from.DeviceEdge(part.left()), from.DeviceEdge(part.top())),
+                                          QPoint(from.DeviceEdge(part.right() + 1) - 1,
+                                                 from.DeviceEdge(part.bottom() + 1) - 1)));
+    piece.setDevicePixelRatio(from.image->devicePixelRatio());
     const int toX = x + (part.left() - xSource);
     const int toY = y + (part.top() - ySource);
     DcState& to = *m_state;
     if (to.kind == DcState::Kind::Memory) {
         if (!to.image) return TRUE;
         to.ReleaseImagePainter();
-        const QRect target = QRect(toX, toY, piece.width(), piece.height()).intersected(to.image->rect());
+        if (to.image->devicePixelRatio() != piece.devicePixelRatio()) {
+            QPainter(to.image.get()).drawImage(QPoint(toX, toY), piece);
+            return TRUE;
+        }
+        const QPoint at(to.DeviceEdge(toX), to.DeviceEdge(toY));
+        const QRect target = QRect(at, piece.size()).intersected(to.image->rect());
         for (int row = target.top(); row <= target.bottom(); ++row) {
-            const QRgb* in = reinterpret_cast<const QRgb*>(piece.constScanLine(row - toY)) + (target.left() - toX);
+            const QRgb* in = reinterpret_cast<const QRgb*>(piece.constScanLine(row - at.y())) + (target.left() - at.x());
             QRgb* out = reinterpret_cast<QRgb*>(to.image->scanLine(row)) + target.left();
             std::memcpy(out, in, sizeof(QRgb) * static_cast<size_t>(target.width()));
         }

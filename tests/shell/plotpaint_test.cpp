@@ -1,6 +1,7 @@
 // The plots painted by their own controls on the hidden main dialog: the paint DC, the client area inside the
 // sunken border, and the one copy from the memory bitmap.
 #include <QFrame>
+#include <QImage>
 #include <QWidget>
 
 #include "platform/qtaccess.h"
@@ -51,4 +52,34 @@ TEST_F(PlotPaint, DataPlotShowsTheNoticeOnGreyAtStart) {
     ASSERT_FALSE(shown.IsNull()) << "the data plot has no widget";
     shown.Save("data_widget");
     EXPECT_EQ(shown.At(o.x() + 3, o.y() + 3), RGB(0xC5, 0xC5, 0xC5));
+}
+
+TEST_F(PlotPaint, AtDevicePixelRatioTwoAOnePixelLineIsTwoSharpDevicePixels) {
+    CDoubleArray errors;
+    for (int i = 0; i < 1000; ++i) errors.Add(0.1);
+    m_dlg.m_iterationPlot.AppendCurve(errors, true);
+    m_dlg.m_iterationPlot.RefreshIterationPlot(0);
+    auto* widget = qobject_cast<QFrame*>(platform::WidgetOf(&m_dlg.m_iterationPlot));
+    ASSERT_NE(widget, nullptr);
+    QImage shown(widget->size() * 2, QImage::Format_RGB32);
+    shown.setDevicePixelRatio(2.0);
+    widget->render(&shown);
+    const QRect client = widget->contentsRect();
+    const RECT& f = m_dlg.m_iterationPlot.m_rcPlot;
+    int blue = 0, blended = 0;
+    for (int y = 2 * (client.top() + f.top); y < 2 * (client.top() + f.bottom); ++y) {
+        const QRgb pixel = shown.pixel(2 * (client.left() + (f.left + f.right) / 2), y);
+        blue += pixel == qRgb(0, 0, 0xFF);
+        blended += qBlue(pixel) > qRed(pixel) && pixel != qRgb(0, 0, 0xFF);
+    }
+    EXPECT_EQ(blue, 2) << "the flat curve is not two device pixels wide";
+    EXPECT_EQ(blended, 0) << "the curve is blurred";
+    // A picture drawn at 1x and blown up consists of uniform 2 x 2 blocks; its text drawn at 2x does not.
+    int splitBlocks = 0;
+    for (int y = 2 * client.top(); y < 2 * (client.bottom() + 1); y += 2)
+        for (int x = 2 * client.left(); x < 2 * (client.right() + 1); x += 2) {
+            const QRgb p = shown.pixel(x, y);
+            splitBlocks += shown.pixel(x + 1, y) != p || shown.pixel(x, y + 1) != p || shown.pixel(x + 1, y + 1) != p;
+        }
+    EXPECT_GT(splitBlocks, 0) << "the plot was painted at 1x and scaled up";
 }

@@ -1,5 +1,6 @@
 #include "runner.h"
 
+#include <QImage>
 #include <QPixmap>
 #include <QWidget>
 #include <cstdio>
@@ -118,7 +119,12 @@ private:
         } else if (name == "png") {
             QWidget* widget = id == 0 ? static_cast<QWidget*>(window) : window->Control(id);
             const std::string path = Resolve(command.args[1], m_outputDir);
-            if (!widget->grab().save(QString::fromStdString(path), "PNG"))
+            // At one device pixel per pixel whatever the screen's scale, so that pictures compare across
+            // machines.
+            QImage picture(widget->size(), QImage::Format_RGB32);
+            picture.setDevicePixelRatio(1.0);
+            widget->render(&picture);
+            if (!picture.save(QString::fromStdString(path), "PNG"))
                 return Fail(command, "cannot write " + path);
             Print("png " + std::to_string(id) + ": " + command.args[1]);
         }
