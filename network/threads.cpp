@@ -47,8 +47,9 @@ void KeepFreedBlocks() {
 }
 
 CBlasThreads::CBlasThreads(double flops) : m_previous(openblas_get_num_threads()) {
-    // Below this much work a second thread costs more in waking and waiting than it saves.
-    constexpr double kParallelFlops = 4.0e6;
+    // Below this much work (some milliseconds on one core) a second BLAS thread costs more in waking and
+    // waiting than it saves; on a machine whose cores are busy with other work, far more so.
+    constexpr double kParallelFlops = 1.0e8;
     openblas_set_num_threads(flops >= kParallelFlops ? ThreadCount() : 1);
 }
 
