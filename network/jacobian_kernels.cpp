@@ -11,8 +11,13 @@
 #include <cblas.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
+#include <condition_variable>
 #include <cstring>
+#include <functional>
+#include <memory>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -133,25 +138,50 @@ CHalf HalfOf(UINT patterns, int part) {
     return part == 0 ? CHalf{0, middle} : CHalf{middle, patterns};
 }
 
-// Runs work(0) and work(1), the second on a thread of its own when parallel and the system gives one.
+// What the two threads of RunHalves share: the claim on the second half, and its end.
+struct CSecondHalf {
+    std::atomic<bool> claimed{false};
+    std::mutex mutex;
+    std::condition_variable ended;
+    bool done = false;
+};
+
+// Runs work(0) and work(1), the second on a thread of its own when parallel and the system gives one. The
+// second half goes to whichever thread comes to it first: on a machine whose cores are busy with other work, a
+// new thread may not run for a long while, and this one then does both halves instead of waiting for it. The
+// halves are fixed, so the result is the same either way.
 template <typename Work>
 void RunHalves(bool parallel, Work work) {
     if (parallel && ThreadCount() >= 2) {
+        auto shared = std::make_shared<CSecondHalf>();
+        const std::function<void()> second = [&] { work(1); };
+        const std::function<void()>* run = &second;  // touched only by the thread that claims the half
         try {
-            std::thread second([&] { work(1); });
-            work(0);
-            second.join();
-            return;
+            std::thread([shared, run] {
+                if (shared->claimed.exchange(true)) return;
+                (*run)();
+                const std::lock_guard<std::mutex> lock(shared->mutex);
+                shared->done = true;
+                shared->ended.notify_one();
+            }).detach();
         } catch (const std::system_error&) {
-            // No thread to be had: both halves on this one.
+            // No thread to be had: this one claims the half below.
         }
+        work(0);
+        if (shared->claimed.exchange(true)) {
+            std::unique_lock<std::mutex> lock(shared->mutex);
+            shared->ended.wait(lock, [&] { return shared->done; });
+        } else {
+            work(1);
+        }
+        return;
     }
     work(0);
     work(1);
 }
 
 // Below this many floating-point operations a second thread costs more than it saves.
-constexpr double kParallelWork = 3.0e6;
+constexpr double kParallelWork = 2.0e7;
 
 double ForwardWork(const CNetworkView& net) {
     return static_cast<double>(net.nPatterns) * net.layout.nUnits * (3.0 * net.layout.nInputs + 25.0);
