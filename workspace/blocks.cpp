@@ -6,6 +6,7 @@
 #include <new>
 #include <vector>
 
+#include "platform/memory.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -66,6 +67,12 @@ std::size_t CountOf(Extent extent, const CBlockCounts& counts) {
 // old ones go and the new ones take their places.
 void Renew(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts, bool keepOld) {
     const CBlockCounts now = CountsOf(dlg);
+    // Counts a user chooses size these blocks, and the system grants far more than it has: a block beyond the
+    // memory would be handed out and the program killed while filling it. So they are refused before any is
+    // taken, old and new counted together, as both live side by side for a moment.
+    double total = 0;
+    for (Block block : blocks) total += static_cast<double>(BlockSize(block, counts));
+    if (!AfxDoublesFit(total)) throw std::bad_alloc();
     std::vector<std::unique_ptr<double[]>> fresh;
     fresh.reserve(blocks.size());
     for (Block block : blocks) {

@@ -1,8 +1,37 @@
 // Initialization: the tests of the dialog's OK, its enable rules, both paths of OnInitialization and the
 // settings summary.
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
 #include "platform/dialogwindow.h"
 #include "files/initialization.h"
+#include "platform/memory.h"
 #include "support/main_dialog.h"
+
+namespace {
+
+// While armed, a request for a block of a gigabyte or more is recorded and refused instead of granted, so that
+// a test sees whether a count was refused before its blocks were asked for.
+std::atomic<bool> g_armed{false}, g_hugeAsked{false};
+
+void* Allocate(std::size_t size) {
+    if (g_armed && size >= (std::size_t(1) << 30)) {
+        g_hugeAsked = true;
+        throw std::bad_alloc();
+    }
+    if (void* block = std::malloc(size > 0 ? size : 1)) return block;
+    throw std::bad_alloc();
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return Allocate(size); }
+void* operator new[](std::size_t size) { return Allocate(size); }
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 
@@ -148,13 +177,20 @@ TEST_F(InitializationTest, ErrorCorrectionAsksOnlyForTheLargestNetwork) {
     EXPECT_FALSE(m_dlg.m_bNetworkReady);
 }
 
-TEST_F(InitializationTest, UnitCountTooLargeForMemoryIsRefused) {
+TEST_F(InitializationTest, UnitCountWhoseBlocksExceedTheMemoryIsRefusedWithoutAllocating) {
     LoadData(SampleData("sin1d.txt"));
-    m_dlg.m_nUnits = 0;
-    m_dlg.m_nInputs = 4000000000u;  // 4e9 x 4e9 doubles: more than an address space holds
-    EXPECT_FALSE(ReplaceNetworkArrays(m_dlg, 4000000000u));
+    const UINT unitsBefore = m_dlg.m_nUnits;
+    // Each of the eight blocks is a sixth of the memory the process may use, so the system would grant each
+    // one and kill the program while they are filled; all of them together can't fit.
+    const double units = static_cast<double>(AfxUsableMemory()) / sizeof(double) / 6;
+    ASSERT_LT(units, 4e9) << "this machine's memory is beyond what a unit count can fill";
+    g_armed = true;
+    const bool replaced = ReplaceNetworkArrays(m_dlg, static_cast<UINT>(units));
+    g_armed = false;
+    EXPECT_FALSE(replaced);
+    EXPECT_FALSE(g_hugeAsked) << "a block beyond the memory was asked for before the count was refused";
     EXPECT_EQ(m_prompts.Boxes().back(), Box("Number of RBF units is too large!"));
-    EXPECT_EQ(m_dlg.m_nUnits, 0u) << "a failed allocation leaves the network as it was";
+    EXPECT_EQ(m_dlg.m_nUnits, unitsBefore) << "a refused count leaves the network as it was";
 }
 
 TEST_F(InitializationTest, SummaryOfAFirstOrderMethodWithRandomGroups) {
