@@ -1,7 +1,5 @@
 #include "files/scanner.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -9,6 +7,7 @@
 #include <stdexcept>
 
 #include "platform/files.h"
+#include "platform/memory.h"
 
 std::string MakeScanText(const char* bytes, std::size_t length) {
     const void* nul = std::memchr(bytes, '\0', length);
@@ -21,12 +20,11 @@ std::string MakeScanText(const char* bytes, std::size_t length) {
 }
 
 ReadTextResult ReadScanText(const char* path, std::string& text) {
-    // A directory opens for reading on Linux and reports a length near 2^63: it is no file to read.
-    struct stat status {};
-    if (::stat(path, &status) == 0 && S_ISDIR(status.st_mode)) return ReadTextResult::CannotOpen;
     CFile file;
     if (!file.Open(path, CFile::modeRead)) return ReadTextResult::CannotOpen;
     const unsigned long long length = file.GetLength();
+    // The bytes and the text made of them live side by side for a moment.
+    if (!AfxMemoryFits(2.0 * length)) return ReadTextResult::NoMemory;
     try {
         std::string bytes;
         bytes.resize(static_cast<std::size_t>(length));
@@ -38,6 +36,8 @@ ReadTextResult ReadScanText(const char* path, std::string& text) {
             if (got == 0) break;
             done += got;
         }
+        // A read that fails half-way would pass for a shorter file.
+        if (file.GetError() != 0) return ReadTextResult::CannotOpen;
         file.Close();
         bytes.resize(done);
         text = MakeScanText(bytes.data(), bytes.size());

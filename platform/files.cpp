@@ -1,36 +1,74 @@
 #include "platform/files.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstring>
 #include <mutex>
 #include <string>
 
+namespace {
+// A file grown past the process's size limit is a write error to report, not a signal that ends the program.
+[[maybe_unused]] const bool g_sizeLimitIsAnError = std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR;
+
+int OpenFlagsFor(UINT flags) {
+    const bool readWrite = (flags & CFile::modeReadWrite) != 0;
+    int os = readWrite ? O_RDWR : (flags & (CFile::modeWrite | CFile::modeCreate)) ? O_WRONLY : O_RDONLY;
+    if (flags & CFile::modeCreate) os |= (flags & CFile::modeNoReplace) ? O_CREAT | O_EXCL : O_CREAT | O_TRUNC;
+    return os | O_CLOEXEC | O_NONBLOCK;
+}
+}  // namespace
+
 CFile::~CFile() { Close(); }
+
+BOOL CFile::Fail() {
+    m_nError = errno != 0 ? errno : EIO;
+    return FALSE;
+}
 
 BOOL CFile::Open(LPCTSTR path, UINT flags) {
     Close();
-    const char* mode = "rb";
-    if (flags & modeCreate)
-        mode = (flags & modeReadWrite) ? "w+b" : "wb";
-    else if (flags & modeReadWrite)
-        mode = "r+b";
-    else if (flags & modeWrite)
-        mode = "r+b";  // an existing file, kept as it is; writes go where Seek puts them
-    m_file = std::fopen(path, mode);
-    // A directory opens for reading on Linux, and its length then reads as garbage: it is no file.
-    struct stat info {};
-    if (m_file != nullptr && (fstat(fileno(m_file), &info) != 0 || S_ISDIR(info.st_mode))) Close();
-    if (m_file != nullptr) std::setvbuf(m_file, nullptr, _IOFBF, 1 << 16);
+    m_nError = 0;
     m_end = -1;
-    return m_file != nullptr ? TRUE : FALSE;
+    // Opened without blocking: a pipe's open would wait for a writer. Whatever is not a regular file (a
+    // directory's length reads as garbage, a pipe or a device may never end) is then refused before a read
+    // could wait on it.
+    const int os = OpenFlagsFor(flags);
+    const int fd = ::open(path, os, 0666);
+    if (fd < 0) return Fail();
+    struct stat info {};
+    if (fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+        if (info.st_mode != 0) errno = S_ISDIR(info.st_mode) ? EISDIR : EINVAL;
+        Fail();
+        ::close(fd);
+        return FALSE;
+    }
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) & ~O_NONBLOCK);
+    const int access = os & O_ACCMODE;
+    m_file = ::fdopen(fd, access == O_RDONLY ? "rb" : access == O_WRONLY ? "wb" : "r+b");
+    if (m_file == nullptr) {
+        Fail();
+        ::close(fd);
+        return FALSE;
+    }
+    std::setvbuf(m_file, nullptr, _IOFBF, 1 << 16);
+    return TRUE;
 }
 
-void CFile::Close() {
-    if (m_file != nullptr) std::fclose(m_file);
+BOOL CFile::Close() {
+    if (m_file == nullptr) return m_nError == 0 ? TRUE : FALSE;
+    errno = 0;
+    // A buffer that failed earlier leaves the stream's error mark: its bytes are lost even if the rest goes out.
+    const bool failedBefore = std::ferror(m_file) != 0;
+    const int result = std::fclose(m_file);
     m_file = nullptr;
+    if (result != 0) return Fail();
+    if (failedBefore && m_nError == 0) m_nError = EIO;
+    return m_nError == 0 ? TRUE : FALSE;
 }
 
 unsigned long long CFile::GetLength() const {
@@ -45,13 +83,17 @@ unsigned long long CFile::GetLength() const {
 UINT CFile::Read(void* buffer, UINT count) {
     if (m_file == nullptr) return 0;
     m_end = -1;
-    return static_cast<UINT>(std::fread(buffer, 1, count, m_file));
+    const std::size_t got = std::fread(buffer, 1, count, m_file);
+    if (got < count && std::ferror(m_file)) Fail();
+    return static_cast<UINT>(got);
 }
 
-void CFile::Write(const void* buffer, UINT count) {
-    if (m_file == nullptr) return;
+BOOL CFile::Write(const void* buffer, UINT count) {
+    if (m_file == nullptr) return FALSE;
+    errno = 0;
     const std::size_t written = std::fwrite(buffer, 1, count, m_file);
     if (m_end >= 0) m_end += static_cast<long long>(written);
+    return written == count ? TRUE : Fail();
 }
 
 long long CFile::Seek(long long offset, UINT from) {

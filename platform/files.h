@@ -8,7 +8,14 @@
 
 class CFile {
 public:
-    enum OpenFlags : UINT { modeRead = 0x0, modeWrite = 0x1, modeReadWrite = 0x2, modeCreate = 0x1000 };
+    // modeNoReplace, with modeCreate: fail when the name is taken rather than empty that file.
+    enum OpenFlags : UINT {
+        modeRead = 0x0,
+        modeWrite = 0x1,
+        modeReadWrite = 0x2,
+        modeCreate = 0x1000,
+        modeNoReplace = 0x10000
+    };
     enum SeekPosition : UINT { begin = 0, current = 1, end = 2 };
 
     CFile() = default;
@@ -18,20 +25,29 @@ public:
 
     // modeCreate alone creates the file or empties an existing one, and opens it for writing.
     // modeWrite alone opens an existing file for writing without emptying it; it fails if the file is missing.
+    // Only regular files open: a pipe or a device would block the caller or never end, so it is refused
+    // before anything waits on it.
     BOOL Open(LPCTSTR path, UINT flags);
-    void Close();
+    // FALSE when any byte written since Open could not be stored (a full disk, a size limit): nothing written
+    // counts as saved before this says so.
+    BOOL Close();
     // Length in bytes; 0 for a closed file.
     unsigned long long GetLength() const;
     UINT Read(void* buffer, UINT count);
     // Writes are buffered and reach the file at the latest at Close: a writer of many short rows costs one
-    // system call per buffer, not per row.
-    void Write(const void* buffer, UINT count);
+    // system call per buffer, not per row. FALSE when the bytes could not be handed on (a buffer before them
+    // failed).
+    BOOL Write(const void* buffer, UINT count);
     // A seek to the end right behind this object's own writes stays where it is: no other writer appends to a
     // file while it is open here, so the end is known.
     long long Seek(long long offset, UINT from);
+    // The system's error number of the last operation that failed; 0 when none has.
+    int GetError() const { return m_nError; }
 
 private:
+    BOOL Fail();  // records errno, returns FALSE
     std::FILE* m_file = nullptr;
+    int m_nError = 0;
     long long m_end = -1;  // the file's length while the position stands at its end; -1 when not known
 };
 

@@ -1,5 +1,7 @@
 // Load Data as a user meets it: the file dialog, the Data Set Information dialog, the messages and the state
 // that each outcome leaves.
+#include <sys/stat.h>
+
 #include "support/main_dialog.h"
 
 namespace {
@@ -81,6 +83,16 @@ TEST_F(LoadDataTest, MissingFileIsReportedAndNothingLoads) {
     EXPECT_EQ(m_prompts.Boxes(), std::vector<std::string>{Box("Sorry, Cannot Open File!")});
     EXPECT_FALSE(m_dlg.m_bDataLoaded);
     EXPECT_EQ(m_dlg.m_strDataTitle, "no_such_file");
+}
+
+TEST_F(LoadDataTest, NamedPipeIsRefusedAtOnceAsAFileThatCannotBeOpened) {
+    // Nobody writes into the pipe: an open that waited for a writer would hang the test.
+    const std::string path = m_folder.Path() + "/pipe";
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    m_prompts.QueueFile(path, false, "pipe");
+    m_dlg.OnLoadData();
+    EXPECT_EQ(m_prompts.Boxes(), std::vector<std::string>{Box("Sorry, Cannot Open File!")});
+    EXPECT_FALSE(m_dlg.m_bDataLoaded);
 }
 
 TEST_F(LoadDataTest, IncompleteFileIsRefusedWithTheNewCounts) {
