@@ -1,10 +1,15 @@
 // The timestamped result file of a run and its blocks.
 #include "files/resultfiles.h"
 
+#include <unistd.h>
+
+#include <cerrno>
 #include <climits>
+#include <cstring>
 
 #include "platform/clock.h"
 #include "platform/files.h"
+#include "platform/thread.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -26,20 +31,16 @@ void AppendSection(std::vector<std::string>& block, const char* title, const CRe
     block.push_back(ValueLine(section.widths, units));
 }
 
-// Opens the file for one block, writes it at the end, one write a line, and closes it. A block that can't
-// be written is lost; the run goes on and the next block tries again.
-void AppendBlock(CVantrelDlg& dlg, const CString& path, const std::vector<std::string>& block) {
-    CFile file;
-    if (!file.Open(path, CFile::modeWrite)) {
+// A block that the file can't take is lost and the run goes on: after an open that fails the next block
+// tries again, after a write that fails (AppendToFile) nothing more is written.
+void AppendBlock(CVantrelDlg& dlg, CString& path, const std::vector<std::string>& block) {
+    if (AppendToFile(dlg, path, block) == AppendResult::CannotOpen)
         dlg.MessageBox("Open Result File Failed!", "Error", MB_ICONHAND);
-        return;
-    }
-    for (const std::string& text : block) {
-        file.Seek(0, CFile::end);
-        file.Write(text.data(), static_cast<UINT>(text.size()));
-    }
-    file.Close();
 }
+
+// Seconds that a stamped file waits for a free name before it gives up: each second gives a new name, so only
+// a directory that holds a stamped file for every one of them runs out.
+constexpr int kFreeNameWait = 10;
 
 CResultSection TrainedSection(const CVantrelDlg& dlg) {
     return {dlg.m_pInputWeights, dlg.m_pOutputWeights, dlg.m_pCenters, dlg.m_pWidths};
@@ -61,6 +62,42 @@ CString ExecutableDirectory() {
     GetModuleFileNameA(nullptr, buffer, sizeof buffer);
     const CString path(buffer);
     return path.Left(path.ReverseFind('/') + 1);
+}
+
+bool CreateStampedFile(const char* suffix, CString& path) {
+    std::time_t tried = -1;
+    for (int attempt = 0; attempt <= kFreeNameWait; ++attempt) {
+        while (CTime::GetTickCount().GetTime() == tried) {
+            AfxThrowIfAbandoned();
+            usleep(20000);
+        }
+        const CTime now = CTime::GetTickCount();
+        tried = now.GetTime();
+        path = ExecutableDirectory() + TimestampedFileName(*now.GetLocalTm(), suffix).c_str();
+        CFile file;
+        if (file.Open(path, CFile::modeCreate | CFile::modeNoReplace)) return file.Close() != FALSE;
+        if (file.GetError() != EEXIST) return false;
+    }
+    return false;
+}
+
+AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces) {
+    if (path.IsEmpty()) return AppendResult::WriteFailed;
+    CFile file;
+    if (!file.Open(path, CFile::modeWrite)) return AppendResult::CannotOpen;
+    bool written = true;
+    for (const std::string& text : pieces) {
+        file.Seek(0, CFile::end);
+        if (!(written = file.Write(text.data(), static_cast<UINT>(text.size())) != FALSE)) break;
+    }
+    written = file.Close() != FALSE && written;
+    if (written) return AppendResult::Written;
+    CString message;
+    message.Format("Cannot write %s: %s.\nNothing more is written to this file.", static_cast<const char*>(path),
+                   std::strerror(file.GetError()));
+    owner.MessageBox(message, "Error", MB_ICONHAND);
+    path.Empty();
+    return AppendResult::WriteFailed;
 }
 
 std::string ValueLine(const double* values, std::size_t count) {
@@ -91,15 +128,10 @@ std::vector<std::string> ResultBlock(UINT units, UINT inputs, UINT iterations, d
 }
 
 int CVantrelDlg::CreateResultFile(CString* path) {
-    const CTime now = CTime::GetTickCount();
-    const struct tm* local = now.GetLocalTm();  // lives in now
-    *path = ExecutableDirectory() + TimestampedFileName(*local, "result.txt").c_str();
-    CFile file;
-    if (!file.Open(*path, CFile::modeCreate)) {  // an existing file of that name is emptied
+    if (!CreateStampedFile("result.txt", *path)) {
         MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
         return 0;
     }
-    file.Close();
     return 1;
 }
 

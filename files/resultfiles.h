@@ -19,6 +19,20 @@ std::string TimestampedFileName(const struct tm& local, const char* suffix);
 // The directory of the running executable, ending in '/': where every written file lies.
 CString ExecutableDirectory();
 
+// The one maker of stamped files: creates an empty file in the executable's directory, named from the local
+// time of its creation by TimestampedFileName, and fills path. A name already taken (a run in the same
+// second, or another moment whose unpadded digits read alike) is never emptied: the call waits for the next
+// second that gives a free name. False when no file could be created.
+bool CreateStampedFile(const char* suffix, CString& path);
+
+class CWnd;
+// Appends the pieces to the end of the existing file at path, one write each, and closes it. When a write or
+// the close fails (a full disk, a size limit), owner shows an "Error" box naming the file and the cause and
+// path is emptied: nothing more is written to a file known to be incomplete, and a call with an empty path
+// does nothing. A file that can't be opened shows nothing: the caller has its own message for it.
+enum class AppendResult { Written, CannotOpen, WriteFailed };
+AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces);
+
 // One array on one line: each element as "%.6f", one blank between them, then "\r\n". An infinity or a NaN,
 // which a diverging training can leave, prints as the C library writes it ("inf", "-inf", "nan", "-nan").
 std::string ValueLine(const double* values, std::size_t count);
