@@ -1,5 +1,7 @@
 // Data exchange between dialog fields and controls.
+#include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <climits>
 #include <cstdio>
 #include <cstdlib>
@@ -30,13 +32,34 @@ std::string Trimmed(const std::string& text) {
     dx->Fail();
 }
 
+// A decimal number as a user types it: a sign, digits with at most one point (at least one digit), and an
+// exponent. The C library reads more ("nan", "inf", hexadecimal "0x1p-3"), none of which a field of this
+// program can use: a NaN passes every comparison that guards a setting.
+bool IsDecimalNumber(const std::string& t) {
+    size_t i = 0, digits = 0;
+    auto run = [&] {
+        size_t n = 0;
+        while (i < t.size() && std::isdigit(static_cast<unsigned char>(t[i]))) ++i, ++n;
+        return n;
+    };
+    if (i < t.size() && (t[i] == '+' || t[i] == '-')) ++i;
+    digits += run();
+    if (i < t.size() && t[i] == '.') ++i, digits += run();
+    if (digits == 0) return false;
+    if (i < t.size() && (t[i] == 'e' || t[i] == 'E')) {
+        ++i;
+        if (i < t.size() && (t[i] == '+' || t[i] == '-')) ++i;
+        if (run() == 0) return false;
+    }
+    return i == t.size();
+}
+
 // The parsers store whole values: a run may be reading the field (see shared.h).
 bool ParseDouble(const std::string& text, double& value) {
     const std::string t = Trimmed(text);
-    if (t.empty()) return false;
-    char* end = nullptr;
-    const double parsed = std::strtod(t.c_str(), &end);
-    if (end != t.c_str() + t.size()) return false;
+    if (!IsDecimalNumber(t)) return false;
+    const double parsed = std::strtod(t.c_str(), nullptr);
+    if (!std::isfinite(parsed)) return false;  // beyond the largest double ("1e400")
     AfxWriteShared(value, parsed);
     return true;
 }

@@ -62,6 +62,18 @@ TEST_F(DialogLayer, DoublesShowAsTheFrameworkShowedThemAndReadBackExactly) {
     EXPECT_DOUBLE_EQ(m_dialog.m_dValue, 0.001);
 }
 
+TEST_F(DialogLayer, DoublesTakeOnlyFiniteDecimalNumbers) {
+    for (const char* bad : {"nan", "inf", "-infinity", "1e400", "0x1p-3", ".", "1e", "+-1", "1.5.2"}) {
+        m_window->TypeText(1045, bad);
+        EXPECT_FALSE(m_dialog.UpdateData(TRUE)) << "'" << bad << "' was accepted";
+        EXPECT_EQ(m_printed.back(), "box Vantrel [exclamation]: Please enter a number.") << bad;
+    }
+    EXPECT_DOUBLE_EQ(m_dialog.m_dValue, 0.0001) << "a refused text must leave the field as it was";
+    m_window->TypeText(1045, "-.5E+2");
+    ASSERT_TRUE(m_dialog.UpdateData(TRUE));
+    EXPECT_DOUBLE_EQ(m_dialog.m_dValue, -50);
+}
+
 TEST_F(DialogLayer, UnsignedAcceptsDigitsOnly) {
     EXPECT_EQ(m_window->Text(1096), "7");
     m_window->TypeText(1096, "4294967295");
