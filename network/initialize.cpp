@@ -6,6 +6,7 @@
 
 #include "network/network.h"
 #include "platform/clock.h"
+#include "platform/thread.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -69,6 +70,7 @@ void CentersFromInputsUnique(CVantrelDlg& dlg) {
     const UINT kNoEntry = 0xFFFFFFFFu;
     std::vector<UINT> used(dlg.m_nUnits, kNoEntry);
     for (UINT h = 0; h < dlg.m_nUnits; ++h) {
+        AfxThrowIfAbandoned();  // the search grows with the units already placed
         UINT q = DrawPattern(dlg);
         // Once every row is taken, no fresh row exists and the search would never end. The Initialization
         // dialog refuses more units than patterns in this mode, so this only guards a stale count: the rest

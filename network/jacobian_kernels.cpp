@@ -18,11 +18,13 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <system_error>
 #include <thread>
 #include <vector>
 
 #include "network/kernels.h"
+#include "platform/memory.h"
 
 namespace kernels {
 
@@ -68,6 +70,8 @@ void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch
     std::fill(y, y + m, net.pOutputWeights[0]);
     double *dist = s.dist.data(), *phi = s.phi.data(), *arg = s.arg.data();
     for (UINT h = 0; h < layout.nUnits; ++h) {
+        // A block of millions of units takes a while; what an abandoned run leaves here is never used.
+        if ((h & 0xFFFF) == 0xFFFF && AfxWorkAbandoned()) return;
         const double* v = net.pInputWeights + h * n;
         const double* c = net.pCenters + h * n;
         const double sh = net.pWidths[h];
@@ -194,6 +198,20 @@ std::vector<CBlockScratch>& ScratchOfHalves() {
     return halves;
 }
 
+// hessian (upper triangle, n x n) = beta * hessian + rows rows^T over count patterns (rows: n x count at
+// stride kLanes), in column strips of bounded work.
+void AddRankK(const double* rows, UINT count, size_t n, double beta, double* hessian) {
+    const int ld = static_cast<int>(kLanes), k = static_cast<int>(count), size = static_cast<int>(n);
+    InStrips(n, 2.0 * count * n, [&](size_t j0, size_t w) {
+        const int first = static_cast<int>(j0), width = static_cast<int>(w);
+        if (first > 0)
+            cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, first, width, k, 1.0, rows, ld, rows + j0 * kLanes,
+                        ld, beta, hessian + j0, size);
+        cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, width, k, 1.0, rows + j0 * kLanes, ld, beta,
+                    hessian + j0 * n + j0, size);
+    });
+}
+
 }  // namespace
 
 void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, double* rows, size_t ld,
@@ -216,6 +234,8 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
                              double* spare) {
     KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams);
+    // The two halves' rows and the second gradient, refused before they are taken when they can't fit.
+    if (!AfxDoublesFit(2.0 * rowCount * kLanes + n)) throw std::bad_alloc();
     std::vector<CBlockScratch>& halves = ScratchOfHalves();
     std::vector<double> secondGradient(n);
     for (CBlockScratch& s : halves) {
@@ -231,7 +251,7 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
         CBlockScratch& s = halves[part];
         const CHalf half = HalfOf(net.nPatterns, part);
         std::fill(gradients[part], gradients[part] + n, 0.0);
-        for (UINT first = half.first; first < half.end; first += kRowBlock) {
+        for (UINT first = half.first; first < half.end && !AfxWorkAbandoned(); first += kRowBlock) {
             const UINT count = std::min(kRowBlock, half.end - first);
             ForwardBlock(net, first, count, s, true);
             sums[part] += BlockErrors(net, first, count, s);
@@ -239,10 +259,7 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
             cblas_dgemv(CblasRowMajor, CblasNoTrans, static_cast<int>(n), static_cast<int>(count), 1.0,
                         s.rows.data(), static_cast<int>(kLanes), s.e.data(), 1, 1.0, gradients[part], 1);
             // The first block of a half overwrites (beta 0): neither triangle needs clearing beforehand.
-            if (hessian)
-                cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, static_cast<int>(n), static_cast<int>(count),
-                            1.0, s.rows.data(), static_cast<int>(kLanes), written[part] ? 1.0 : 0.0,
-                            hessians[part], static_cast<int>(n));
+            if (hessian) AddRankK(s.rows.data(), count, n, written[part] ? 1.0 : 0.0, hessians[part]);
             written[part] = true;
         }
     };
@@ -252,6 +269,7 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
         CBlasThreads single(0.0);
         RunHalves(work2 >= kParallelWork && net.nPatterns > kRowBlock, work);
     }
+    AfxThrowIfAbandoned();  // the halves stopped early: what they hold is incomplete
 
     for (size_t k = 0; k < n; ++k) gradient[k] += secondGradient[k];
     if (!hessian) return sums[0] + sums[1];
@@ -271,7 +289,7 @@ double SumSquaredErrors(const CNetworkView& net, double* outputs) {
     auto work = [&](int part) {
         CBlockScratch& s = halves[part];
         const CHalf half = HalfOf(net.nPatterns, part);
-        for (UINT first = half.first; first < half.end; first += kRowBlock) {
+        for (UINT first = half.first; first < half.end && !AfxWorkAbandoned(); first += kRowBlock) {
             const UINT count = std::min(kRowBlock, half.end - first);
             ForwardBlock(net, first, count, s, false);
             sums[part] += BlockErrors(net, first, count, s);
@@ -279,6 +297,7 @@ double SumSquaredErrors(const CNetworkView& net, double* outputs) {
         }
     };
     RunHalves(ForwardWork(net) >= kParallelWork && net.nPatterns > kRowBlock, work);
+    AfxThrowIfAbandoned();
     return sums[0] + sums[1];
 }
 
@@ -286,6 +305,7 @@ void MirrorUpperToLower(double* a, size_t n) {
     // Tiles keep both the rows written and the columns read within the cache.
     const size_t tile = 64;
     for (size_t ib = 0; ib < n; ib += tile) {
+        AfxThrowIfAbandoned();
         const size_t iEnd = std::min(ib + tile, n);
         for (size_t jb = 0; jb <= ib; jb += tile) {
             for (size_t i = ib; i < iEnd; ++i) {

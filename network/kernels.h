@@ -17,11 +17,29 @@
 // rounding, measured normwise; they do not depend on the number of cores.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 
 #include "network/network.h"
+#include "platform/thread.h"
 
 namespace kernels {
+
+// Work of one strip of a dense product, in floating-point operations: a few hundredths of a second.
+constexpr double kStripWork = 2e8;
+
+// Calls strip(first, width) for the columns 0 .. cols - 1 of a dense product, in strips of about kStripWork
+// operations each (columnWork per column): one call on a large matrix runs for minutes. An abandoned run's
+// strips stop early, and the product is then incomplete; it may run on a helper thread, so the caller throws
+// (AfxThrowIfAbandoned) once it is back on the worker's own.
+template <class Strip>
+void InStrips(size_t cols, double columnWork, Strip strip) {
+    const size_t width = columnWork * cols <= kStripWork
+                             ? std::max<size_t>(cols, 1)
+                             : std::max<size_t>(1, static_cast<size_t>(kStripWork / std::max(columnWork, 1.0)));
+    for (size_t first = 0; first < cols && !AfxWorkAbandoned(); first += width)
+        strip(first, std::min(width, cols - first));
+}
 
 // Patterns per block of Jacobian rows.
 constexpr UINT kRowBlock = 256;

@@ -27,6 +27,7 @@ struct Factorization {
 // The implicit scaling. NaNs never pass the comparison, so a row of NaNs counts as a zero row.
 void ScaleRows(Factorization& f) {
     for (int i = 0; i < f.n; ++i) {
+        if ((i & 0xFF) == 0) AfxThrowIfAbandoned();
         const double* row = f.At(i, 0);
         double big = 0.0;
         for (int j = 0; j < f.n; ++j) {
@@ -66,6 +67,7 @@ void EliminateColumn(Factorization& f, int k) {
 void FactorNarrowPanel(Factorization& f, int k0, int width) {
     const int end = k0 + width;
     for (int k = k0; k < end; ++k) {
+        AfxThrowIfAbandoned();
         EliminateColumn(f, k);
         const double* pivotRow = f.At(k, 0);
         for (int i = k + 1; i < f.n; ++i) {
@@ -90,11 +92,17 @@ void FactorPanel(Factorization& f, int k0, int width) {
     FactorPanel(f, k0, left);
     const double below = f.n - k1;
     CBlasThreads threads(static_cast<double>(left) * right * (left + 2.0 * below));
-    cblas_dtrsm(CblasRowMajor, CblasLeft, CblasLower, CblasNoTrans, CblasUnit, left, right, 1.0, f.At(k0, k0),
-                f.n, f.At(k0, k1), f.n);
+    InStrips(right, double(left) * left, [&](size_t j0, size_t w) {
+        cblas_dtrsm(CblasRowMajor, CblasLeft, CblasLower, CblasNoTrans, CblasUnit, left, static_cast<int>(w), 1.0,
+                    f.At(k0, k0), f.n, f.At(k0, k1 + static_cast<int>(j0)), f.n);
+    });
     if (k1 < f.n)
-        cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, f.n - k1, right, left, -1.0, f.At(k1, k0), f.n,
-                    f.At(k0, k1), f.n, 1.0, f.At(k1, k1), f.n);
+        InStrips(right, 2.0 * below * left, [&](size_t j0, size_t w) {
+            const int j = k1 + static_cast<int>(j0);
+            cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, f.n - k1, static_cast<int>(w), left, -1.0,
+                        f.At(k1, k0), f.n, f.At(k0, j), f.n, 1.0, f.At(k1, j), f.n);
+        });
+    AfxThrowIfAbandoned();
     FactorPanel(f, k1, right);
 }
 
@@ -102,6 +110,7 @@ void FactorPanel(Factorization& f, int k0, int width) {
 // U^-1 L^-1 into U^-1 L^-1 P, the inverse of the matrix that P A = L U describes.
 void SwapColumnsBack(double* a, int n, const int* indx) {
     for (int i = 0; i < n; ++i) {
+        if ((i & 0xFF) == 0) AfxThrowIfAbandoned();
         double* row = a + static_cast<size_t>(i) * n;
         for (int k = n - 1; k >= 0; --k)
             if (indx[k] != k) std::swap(row[k], row[indx[k]]);

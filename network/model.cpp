@@ -1,10 +1,13 @@
 // The network model: packing of the parameter vector, the network output, the error measure and the
 // worst-pattern search.
+#include <climits>
 #include <cmath>
 #include <cstring>
+#include <new>
 
 #include "network/kernels.h"
 #include "network/network.h"
+#include "platform/thread.h"
 #include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
@@ -46,6 +49,7 @@ double OutputAt(const CVantrelDlg& dlg, const double* x, UINT used) {
     const double* w = dlg.m_pOutputWeights;
     double y = w[0];
     for (UINT h = 0; h < dlg.m_nUnits; ++h) {
+        if ((h & 0xFFFF) == 0xFFFF) AfxThrowIfAbandoned();  // a network of millions of units takes a while
         const double* v = dlg.m_pInputWeights + static_cast<size_t>(h) * n;
         const double* c = dlg.m_pCenters + static_cast<size_t>(h) * n;
         double dist = 0.0;
@@ -67,6 +71,10 @@ double AverageError(const CVantrelDlg& dlg, double* outputs) {
 }  // namespace
 
 void CVantrelDlg::PackParameters() {
+    // The vector's length is a count: a network whose parameters it can't count is refused before any block.
+    const double count = double(m_nUnits + 1.0) * m_nOutputs + m_nUnits +
+                         double(m_nUnits) * m_nInputs * (IsImprovedAlgorithm(m_nAlgorithm) ? 2 : 1);
+    if (count > UINT_MAX) throw std::bad_alloc();
     const CParamLayout layout = LayoutOf(*this);
     CBlockCounts counts = CountsOf(*this);
     counts.params = layout.Count();

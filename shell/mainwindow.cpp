@@ -182,8 +182,10 @@ void CVantrelDlg::OnMultipleCurves() { AfxWriteShared(m_nCurveMode, 1); }
 void CVantrelDlg::OnClose() {
     // A run under way is stopped, and awaited, before anything it uses is released. The window stays live
     // while it waits (the worker may be waiting on a message box), so Start is taken away first: no new run
-    // may begin between the end of this one and the release.
+    // may begin between the end of this one and the release. The iteration under way is abandoned, not
+    // finished: on a large network it would keep the window waiting for minutes.
     m_bTraining = false;
+    AfxAbandonWorkers();
     GetDlgItem(IDC_START_TRAINING)->EnableWindow(FALSE);
     AfxWaitForWorkers();
     ReleaseArrays();

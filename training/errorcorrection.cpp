@@ -129,9 +129,9 @@ UINT TrainByErrorCorrection(void* pParam) {
     // After a stopped online run the box stays checked while Load Data is open again: a data set loaded then
     // would be trained on with a network and outputs of another shape.
     if (online && !NetworkFitsPatterns(dlg)) return EndRun(run, RunEnding::Failed, kNetworkOfAnotherSet);
-    if (!BeginRun(run)) return 1;
     std::unique_ptr<double[]> savedHessian;
     try {
+        if (!BeginRun(run)) return 1;
         // Online, the units already trained stay; their outputs decide where the first new unit goes.
         if (!online) dlg.ResetNetwork();
         else dlg.ComputeOutputs();
@@ -143,6 +143,9 @@ UINT TrainByErrorCorrection(void* pParam) {
             const double error = FinishUnit(run, savedHessian);
             if (!(error >= AfxReadShared(dlg.m_dDesiredError))) break;  // below the goal, or NaN
         }
+    } catch (const CWorkAbandoned&) {
+        savedHessian.reset();
+        return EndAbandoned(run);
     } catch (...) {
         // A NaN network meets the singular-matrix exception at its next inversion; end like a stop, with a
         // message, and keep the network and online state as they are.

@@ -42,12 +42,14 @@ void FeedDataPlot(CVantrelDlg& dlg) {
     gridX.reserve(xs.size() * ys.size());
     gridY.reserve(xs.size() * ys.size());
     values.reserve(xs.size() * ys.size());
-    for (double x : xs)
+    for (double x : xs) {
+        AfxThrowIfAbandoned();
         for (double y : ys) {
             gridX.push_back(x);
             gridY.push_back(y);
             values.push_back(dlg.EvaluatePoint(x, y));
         }
+    }
     dlg.m_dataPlot.SetGrid(gridX, gridY, values);
     dlg.m_dataPlot.Redraw();
 }

@@ -1,8 +1,7 @@
 #include "training/runframe.h"
 
-#include <unistd.h>
-
 #include "platform/clock.h"
+#include "platform/memory.h"
 #include "platform/shared.h"
 
 namespace training {
@@ -49,12 +48,9 @@ bool BeginRun(RunState& run) {
 
 std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams) {
     const double n = nParams;
-    // Three n x n blocks live during a damped trial: this one, m_pHessian and m_pHessianInv. The system
-    // promises address space it may not have, and filling blocks beyond the machine's memory would end the
-    // program without a word; so what can't fit is refused here, where the run can still say why.
-    const double bytesNeeded = 3.0 * n * n * sizeof(double);
-    const double bytesPresent = double(sysconf(_SC_PHYS_PAGES)) * double(sysconf(_SC_PAGE_SIZE));
-    if (bytesPresent > 0 && bytesNeeded > bytesPresent) throw CQuasiHessianTooLarge();
+    // Three n x n blocks live during a damped trial: this one, m_pHessian and m_pHessianInv. What can't fit
+    // is refused here, before any is taken, where the run can still say why.
+    if (!AfxDoublesFit(3.0 * n * n)) throw CQuasiHessianTooLarge();
     try {
         return std::unique_ptr<double[]>(new double[size_t(nParams) * nParams]);
     } catch (const std::bad_alloc&) {
@@ -75,6 +71,12 @@ UINT EndRun(RunState& run, RunEnding ending, const CString& failureMessage) {
     // Verification needs a network that a run finished: a stopped or failed run leaves it disabled.
     EnableItems(dlg, ending == RunEnding::Normal ? kRunLockedControls : kRunUnlockedAfterStop);
     return ending == RunEnding::Normal ? 0 : 1;
+}
+
+UINT EndAbandoned(RunState& run) {
+    run.iterationErrors.RemoveAll();
+    run.finalErrors.RemoveAll();
+    return 1;
 }
 
 CString FailureMessage(const RunState& run) {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "platform/thread.h"
 #include "workspace/workspace.h"
 
 namespace training {
@@ -63,6 +64,9 @@ enum class RunEnding {
 // "Start Training", releases the run's series and enables what Start disabled, Verification only after a
 // normal end. Returns the run function's result: 0 after a normal end, else 1.
 UINT EndRun(RunState& run, RunEnding ending, const CString& failureMessage = CString());
+// The window is closing and has abandoned the run (CWorkAbandoned): nothing more is shown or written, and
+// the iteration under way is dropped. 1.
+UINT EndAbandoned(RunState& run);
 // The message for the exception that ended a run; to be called inside the catch block. A worker is a thread
 // of its own, and whatever escaped it would end the program, so the runs catch everything.
 CString FailureMessage(const RunState& run);

@@ -17,6 +17,7 @@ DampedStepResult DampedIteration(CVantrelDlg& dlg, const DampedStepOps& ops, dou
     std::vector<double> step(n);
     DampedStepResult result{0.0, damping, 0};
     while (result.tries < kMaxTries) {
+        AfxThrowIfAbandoned();
         ++result.tries;
         // The solve destroys m_pHessian, so each try starts again from the saved copy.
         std::memcpy(dlg.m_pHessian, savedHessian, n * n * sizeof(double));

@@ -61,8 +61,8 @@ void FinishTrial(RunState& run, CTrialMethod& method, UINT trial, DWORD startTic
 
 UINT RunTrials(CVantrelDlg& dlg, CTrialMethod& method) {
     RunState run(dlg);
-    if (!BeginRun(run)) return 1;
     try {
+        if (!BeginRun(run)) return 1;
         // m_nTrials is read at every test: an edit made during the run takes effect at once.
         for (UINT trial = 0; trial < AfxReadShared(dlg.m_nTrials); ++trial) {
             StartTrial(run, method);
@@ -73,6 +73,9 @@ UINT RunTrials(CVantrelDlg& dlg, CTrialMethod& method) {
             }
             FinishTrial(run, method, trial, startTick);
         }
+    } catch (const CWorkAbandoned&) {
+        method.EndTrial();
+        return EndAbandoned(run);
     } catch (...) {
         // A singular quasi-Hessian (a network gone NaN) or memory that isn't there: end like a stop, with a
         // message, and leave the network as the last try made it.

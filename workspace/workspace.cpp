@@ -7,6 +7,7 @@ CVantrelDlg::CVantrelDlg(CWnd* parent) : CDialog(IDD, parent) {}
 CVantrelDlg::~CVantrelDlg() {
     // A worker must never outlive the arrays it uses: the window's close waits for it, and so does this.
     m_bTraining = false;
+    AfxAbandonWorkers();
     if (AfxRunningWorkers() > 0) AfxWaitForWorkers();
     ReleaseArrays();
 }
