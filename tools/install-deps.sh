@@ -1,8 +1,10 @@
 #!/usr/bin/env bash
-# Installs the Debian 12 packages that building, running and testing Vantrel need, if any is missing.
+# Installs the Debian 12 packages that building, running and testing Vantrel need, if any is missing
+# (clang and its runtime for the sanitizer build and the fuzz targets of the checks).
 set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev
-          libopenblas-dev liblapacke-dev fonts-liberation fonts-urw-base35 xdg-utils)
+          libopenblas-dev liblapacke-dev fonts-liberation fonts-urw-base35 xdg-utils
+          clang libclang-rt-14-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")

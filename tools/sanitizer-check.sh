@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Builds everything with AddressSanitizer and UndefinedBehaviorSanitizer (clang) in build-san, runs the whole
+# test suite there, then each fuzz target for SECONDS seconds from its seed corpus. Exits non-zero on any
+# failing test or sanitizer report.
+#
+#   bash tools/sanitizer-check.sh [SECONDS]
+set -euo pipefail
+cd "$(dirname "$0")/.."
+seconds=${1:-60}
+launcher=()
+# Paths below the checkout are hashed relative to it, so that another clone reuses the compiler cache.
+command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache) && export CCACHE_BASEDIR=$PWD
+cmake -S . -B build-san -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
+  -DVANTREL_SANITIZE=ON -DVANTREL_BENCH=OFF "${launcher[@]}"
+cmake --build build-san -j2
+
+export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:detect_stack_use_after_return=1
+export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
+ctest --test-dir build-san --output-on-failure -j2
+
+# Each target starts from a copy of its seed corpus, so that what it finds stays out of the source tree.
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+for target in scanner:text datafile:text paramfile:paramfile; do
+  name=${target%%:*} corpus=${target#*:}
+  mkdir -p "$work/$name"
+  cp fuzz/corpus/"$corpus"/* "$work/$name/"
+  echo "+ fuzz_$name for $seconds s"
+  build-san/fuzz/fuzz_"$name" -max_total_time="$seconds" -rss_limit_mb=2048 -print_final_stats=1 \
+    -artifact_prefix="$work/" "$work/$name"
+done
