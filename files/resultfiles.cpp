@@ -81,21 +81,24 @@ bool CreateStampedFile(const char* suffix, CString& path) {
     return false;
 }
 
-AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces) {
-    if (path.IsEmpty()) return AppendResult::WriteFailed;
-    CFile file;
-    if (!file.Open(path, CFile::modeWrite)) return AppendResult::CannotOpen;
-    bool written = true;
-    for (const std::string& text : pieces) {
-        file.Seek(0, CFile::end);
-        if (!(written = file.Write(text.data(), static_cast<UINT>(text.size())) != FALSE)) break;
-    }
-    written = file.Close() != FALSE && written;
-    if (written) return AppendResult::Written;
+bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path) {
+    if (file.Close()) return true;
     CString message;
     message.Format("Cannot write %s: %s.\nNothing more is written to this file.", static_cast<const char*>(path),
                    std::strerror(file.GetError()));
     owner.MessageBox(message, "Error", MB_ICONHAND);
+    return false;
+}
+
+AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces) {
+    if (path.IsEmpty()) return AppendResult::WriteFailed;
+    CFile file;
+    if (!file.Open(path, CFile::modeWrite)) return AppendResult::CannotOpen;
+    for (const std::string& text : pieces) {
+        file.Seek(0, CFile::end);
+        if (!file.Write(text.data(), static_cast<UINT>(text.size()))) break;
+    }
+    if (CloseWrittenFile(owner, file, path)) return AppendResult::Written;
     path.Empty();
     return AppendResult::WriteFailed;
 }

@@ -25,11 +25,16 @@ CString ExecutableDirectory();
 // second that gives a free name. False when no file could be created.
 bool CreateStampedFile(const char* suffix, CString& path);
 
+class CFile;
 class CWnd;
-// Appends the pieces to the end of the existing file at path, one write each, and closes it. When a write or
-// the close fails (a full disk, a size limit), owner shows an "Error" box naming the file and the cause and
-// path is emptied: nothing more is written to a file known to be incomplete, and a call with an empty path
-// does nothing. A file that can't be opened shows nothing: the caller has its own message for it.
+// Closes a file that was written. When the close or a write before it failed (a full disk, a size limit),
+// owner shows an "Error" box naming the file and the cause; false then: what the file holds is incomplete.
+bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path);
+
+// Appends the pieces to the end of the existing file at path, one write each, and closes it. After a write
+// or close that fails (CloseWrittenFile has shown why) path is emptied: nothing more is written to a file
+// known to be incomplete, and a call with an empty path does nothing. A file that can't be opened shows
+// nothing: the caller has its own message for it.
 enum class AppendResult { Written, CannotOpen, WriteFailed };
 AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces);
 

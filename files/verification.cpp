@@ -2,11 +2,13 @@
 #include "files/verification.h"
 
 #include <cstdio>
+#include <new>
 #include <utility>
 
 #include "files/datafile.h"
 #include "network/network.h"
 #include "platform/files.h"
+#include "platform/memory.h"
 #include "workspace/workspace.h"
 
 double CGridAxis::At(UINT n) const {
@@ -43,6 +45,7 @@ double CPatternSet::Pattern(std::size_t p, double* x) const {
 }
 
 CPatternSet ReadTestingPatterns(std::string_view text, std::size_t rows, UINT nInputs, UINT nOutputs) {
+    if (!AfxDoublesFit(double(rows) * (double(nInputs) + nOutputs))) throw std::bad_alloc();
     // Value-initialized: the elements that short rows leave unreached read as 0.0, never as stale memory.
     std::vector<double> inputs(rows * nInputs);
     std::vector<double> targets(rows * nOutputs);
@@ -73,7 +76,7 @@ void WriteVerificationRows(const CVantrelDlg& dlg, const CPatternSet& set, CFile
         AppendRow(row, x.data(), set.Inputs(), target, y);
         for (CFile* file : {&first, &second}) {
             file->Seek(0, CFile::end);
-            file->Write(row.data(), static_cast<UINT>(row.size()));
+            if (!file->Write(row.data(), static_cast<UINT>(row.size()))) return;  // the disk is full: stop
         }
     }
 }

@@ -60,5 +60,6 @@ CPatternSet ReadTestingPatterns(std::string_view text, std::size_t rows, UINT nI
 void AppendRow(std::string& row, const double* inputs, UINT nInputs, double target, double y);
 
 // Runs the workspace's network over every pattern of set and appends each row to both files, the first file
-// first, each with a seek to its end and one write. The set's inputs must be the network's.
+// first, each with a seek to its end and one write. The set's inputs must be the network's. A write that fails
+// ends the writing; the files' Close tells of it.
 void WriteVerificationRows(const CVantrelDlg& dlg, const CPatternSet& set, CFile& first, CFile& second);

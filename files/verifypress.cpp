@@ -8,7 +8,6 @@
 #include "files/resultfiles.h"
 #include "files/scanner.h"
 #include "files/verification.h"
-#include "platform/clock.h"
 #include "platform/files.h"
 #include "workspace/workspace.h"
 
@@ -110,10 +109,9 @@ bool BuildPatternSet(CVantrelDlg& dlg, CPatternSet& set) {
 }  // namespace
 
 int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
-    const CTime now = CTime::GetTickCount();
     const CString directory = ExecutableDirectory();
-    *stampedPath = directory + TimestampedFileName(*now.GetLocalTm(), "output.txt").c_str();
-    if (!CreateEmpty(*stampedPath)) {
+    // The stamped file never replaces another: output.txt alone is the latest verification's by name.
+    if (!CreateStampedFile("output.txt", *stampedPath)) {
         MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
         return 0;
     }
@@ -146,7 +144,9 @@ void CVantrelDlg::OnVerification() {
     if (!BuildPatternSet(*this, set)) return;
     if (set.Count() > 0 && !NetworkFitsInputs(*this)) return;
     WriteVerificationRows(*this, set, stamped, output);
-    stamped.Close();
-    output.Close();
-    ShellExecuteA(nullptr, "open", stampedPath, nullptr, nullptr, SW_SHOW);
+    // Each file that the disk could not take is named with its cause; an incomplete file is not shown as
+    // the verification's result.
+    const bool stampedSaved = CloseWrittenFile(*this, stamped, stampedPath);
+    const bool outputSaved = CloseWrittenFile(*this, output, outputPath);
+    if (stampedSaved && outputSaved) ShellExecuteA(nullptr, "open", stampedPath, nullptr, nullptr, SW_SHOW);
 }

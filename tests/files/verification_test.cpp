@@ -1,9 +1,9 @@
 // Verification: the rows of each pattern set, the two files a press leaves, and every way a press ends early.
-#include <ctime>
+#include <sys/resource.h>
+
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <thread>
 
 #include "reference/reference.h"
 #include "files/verification.h"
@@ -133,11 +133,9 @@ TEST_F(VerificationTest, TrainingAndTestingPatternsGiveOneRowEachInReadingOrder)
     EXPECT_TRUE(m_prompts.Boxes().empty());
 }
 
-TEST_F(VerificationTest, TwoPressesInDifferentSecondsLeaveTwoStampedFiles) {
+TEST_F(VerificationTest, TwoPressesInOneSecondLeaveTwoStampedFiles) {
     Workspace(1, 0, 1.0, {0.0, 0.0});
     m_dlg.OnVerification();
-    const std::time_t first = std::time(nullptr);
-    while (std::time(nullptr) == first) std::this_thread::sleep_for(std::chrono::milliseconds(20));
     m_dlg.m_pOutputWeights[0] = 3.0;
     m_dlg.OnVerification();
     const auto files = Files();
@@ -184,6 +182,21 @@ TEST_F(VerificationTest, FilesThatCannotBeCreatedEndThePressWithTwoMessages) {
                       Box("Create Result File Failed!"), Box("Create File Failed!")});
 }
 
+TEST_F(VerificationTest, FilesTheDiskCantTakeAreNamedWithTheCauseAndNotOpened) {
+    Workspace(1, 0, 1.0, {0.0, 0.0});
+    // A file-size limit stands in for a full disk: the one row is longer than what a file may hold.
+    struct rlimit old {};
+    getrlimit(RLIMIT_FSIZE, &old);
+    struct rlimit small = old;
+    small.rlim_cur = 10;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    m_dlg.OnVerification();
+    setrlimit(RLIMIT_FSIZE, &old);
+    ASSERT_EQ(m_prompts.Boxes().size(), 2u) << "one box for each file";
+    EXPECT_NE(m_prompts.Boxes()[1].find(m_dir + "/output.txt: File too large."), std::string::npos);
+    for (const std::string& line : m_printed) EXPECT_NE(line.rfind("opened ", 0), 0u) << line;
+}
+
 TEST_F(VerificationTest, NetworkOfOtherInputsIsRefusedBeforeAnyRow) {
     Workspace(1, 1, 0.5, {0.0, 0.0, 0.0, 0.0});
     m_dlg.m_nInputs = 2;  // Load Data of a set of two inputs keeps the trained network
@@ -193,6 +206,7 @@ TEST_F(VerificationTest, NetworkOfOtherInputsIsRefusedBeforeAnyRow) {
                           "data set.")});
 
     // After a cancelled Load Data there is no pattern: no row is computed and the empty file opens.
+    EmptyDirectory();
     m_dlg.m_nInputs = 0;
     m_dlg.m_nPatterns = 0;
     m_dlg.OnVerification();
