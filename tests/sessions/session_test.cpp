@@ -1,5 +1,5 @@
-// Runs every tests/sessions/NAME.session through vantrel-session, in a fresh directory, and compares what it
-// printed with NAME.expected. The transcript compared is standard output, then standard error as
+// Runs every tests/sessions/NAME.session, and every examples/NAME.session of the user's guide, through
+// vantrel-session in a fresh directory, and compares what it printed with NAME.expected beside it. The transcript compared is standard output, then standard error as
 // "stderr: LINE" lines, then "exit CODE". In an expected line "{}" matches any text.
 #include <gtest/gtest.h>
 
@@ -16,10 +16,11 @@
 namespace {
 
 const std::string kSessionDir = std::string(VANTREL_SOURCE_DIR) + "/tests/sessions";
+const std::string kExampleDir = std::string(VANTREL_SOURCE_DIR) + "/examples";
 
-std::vector<std::string> SessionNames() {
+std::vector<std::string> SessionNames(const std::string& folder) {
     std::vector<std::string> names;
-    if (DIR* dir = opendir(kSessionDir.c_str())) {
+    if (DIR* dir = opendir(folder.c_str())) {
         while (dirent* entry = readdir(dir)) {
             const std::string name = entry->d_name;
             const std::string suffix = ".session";
@@ -51,21 +52,18 @@ bool Matches(const std::string& pattern, const std::string& text) {
     return text.size() >= pos + last.size() && text.compare(text.size() - last.size(), last.size(), last) == 0;
 }
 
-std::vector<std::string> RunTranscript(const std::string& name) {
+std::vector<std::string> RunTranscript(const std::string& script) {
     TempFolder folder;
-    const SessionOutput session = RunSession(folder, kSessionDir + "/" + name + ".session");
+    const SessionOutput session = RunSession(folder, script);
     std::vector<std::string> transcript = session.out;
     for (const std::string& line : session.err) transcript.push_back("stderr: " + line);
     transcript.push_back("exit " + std::to_string(session.exitCode));
     return transcript;
 }
 
-class SessionTranscript : public ::testing::TestWithParam<std::string> {};
-
-TEST_P(SessionTranscript, MatchesExpected) {
-    const std::string name = GetParam();
-    const std::vector<std::string> expected = TempFolder::Lines(kSessionDir + "/" + name + ".expected");
-    const std::vector<std::string> actual = RunTranscript(name);
+void ExpectTranscript(const std::string& folder, const std::string& name) {
+    const std::vector<std::string> expected = TempFolder::Lines(folder + "/" + name + ".expected");
+    const std::vector<std::string> actual = RunTranscript(folder + "/" + name + ".session");
     std::ostringstream whole;
     for (const std::string& line : actual) whole << "    " << line << "\n";
     for (size_t i = 0; i < std::max(expected.size(), actual.size()); ++i) {
@@ -76,12 +74,20 @@ TEST_P(SessionTranscript, MatchesExpected) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Sessions, SessionTranscript, ::testing::ValuesIn(SessionNames()),
-                         [](const ::testing::TestParamInfo<std::string>& info) {
-                             std::string id = info.param;
-                             std::replace_if(id.begin(), id.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
-                             return id;
-                         });
+std::string TestName(const ::testing::TestParamInfo<std::string>& info) {
+    std::string id = info.param;
+    std::replace_if(id.begin(), id.end(), [](char c) { return !std::isalnum(static_cast<unsigned char>(c)); }, '_');
+    return id;
+}
+
+class SessionTranscript : public ::testing::TestWithParam<std::string> {};
+TEST_P(SessionTranscript, MatchesExpected) { ExpectTranscript(kSessionDir, GetParam()); }
+INSTANTIATE_TEST_SUITE_P(Sessions, SessionTranscript, ::testing::ValuesIn(SessionNames(kSessionDir)), TestName);
+
+// The guide's examples, run as a user runs them: when one stops working, the guide is wrong.
+class ExampleTranscript : public ::testing::TestWithParam<std::string> {};
+TEST_P(ExampleTranscript, MatchesExpected) { ExpectTranscript(kExampleDir, GetParam()); }
+INSTANTIATE_TEST_SUITE_P(Examples, ExampleTranscript, ::testing::ValuesIn(SessionNames(kExampleDir)), TestName);
 
 TEST(SessionMatcher, WildcardMatchesAnyTextBetweenFixedParts) {
     EXPECT_TRUE(Matches("text 1027: {}", "text 1027: 0.015"));
