@@ -1,15 +1,11 @@
 // The timestamped result file of a run and its blocks.
 #include "files/resultfiles.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <climits>
 #include <cstring>
 
 #include "platform/clock.h"
 #include "platform/files.h"
-#include "platform/thread.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -38,10 +34,6 @@ void AppendBlock(CVantrelDlg& dlg, CString& path, const std::vector<std::string>
         dlg.MessageBox("Open Result File Failed!", "Error", MB_ICONHAND);
 }
 
-// Seconds that a stamped file waits for a free name before it gives up: each second gives a new name, so only
-// a directory that holds a stamped file for every one of them runs out.
-constexpr int kFreeNameWait = 10;
-
 CResultSection TrainedSection(const CVantrelDlg& dlg) {
     return {dlg.m_pInputWeights, dlg.m_pOutputWeights, dlg.m_pCenters, dlg.m_pWidths};
 }
@@ -65,20 +57,11 @@ CString ExecutableDirectory() {
 }
 
 bool CreateStampedFile(const char* suffix, CString& path) {
-    std::time_t tried = -1;
-    for (int attempt = 0; attempt <= kFreeNameWait; ++attempt) {
-        while (CTime::GetTickCount().GetTime() == tried) {
-            AfxThrowIfAbandoned();
-            usleep(20000);
-        }
-        const CTime now = CTime::GetTickCount();
-        tried = now.GetTime();
-        path = ExecutableDirectory() + TimestampedFileName(*now.GetLocalTm(), suffix).c_str();
-        CFile file;
-        if (file.Open(path, CFile::modeCreate | CFile::modeNoReplace)) return file.Close() != FALSE;
-        if (file.GetError() != EEXIST) return false;
-    }
-    return false;
+    const CTime now = CTime::GetTickCount();
+    path = ExecutableDirectory() + TimestampedFileName(*now.GetLocalTm(), suffix).c_str();
+    CFile file;
+    if (!file.Open(path, CFile::modeCreate)) return false;
+    return file.Close() != FALSE;
 }
 
 bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path) {

@@ -20,9 +20,9 @@ std::string TimestampedFileName(const struct tm& local, const char* suffix);
 CString ExecutableDirectory();
 
 // The one maker of stamped files: creates an empty file in the executable's directory, named from the local
-// time of its creation by TimestampedFileName, and fills path. A name already taken (a run in the same
-// second, or another moment whose unpadded digits read alike) is never emptied: the call waits for the next
-// second that gives a free name. False when no file could be created.
+// time of its creation by TimestampedFileName, and fills path. A file of that name (a run in the same second,
+// or another moment whose unpadded digits read alike) is emptied, as the name's format has always meant.
+// False when the file could not be created.
 bool CreateStampedFile(const char* suffix, CString& path);
 
 class CFile;

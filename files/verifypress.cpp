@@ -110,7 +110,6 @@ bool BuildPatternSet(CVantrelDlg& dlg, CPatternSet& set) {
 
 int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
     const CString directory = ExecutableDirectory();
-    // The stamped file never replaces another: output.txt alone is the latest verification's by name.
     if (!CreateStampedFile("output.txt", *stampedPath)) {
         MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
         return 0;

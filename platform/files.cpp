@@ -18,7 +18,7 @@ namespace {
 int OpenFlagsFor(UINT flags) {
     const bool readWrite = (flags & CFile::modeReadWrite) != 0;
     int os = readWrite ? O_RDWR : (flags & (CFile::modeWrite | CFile::modeCreate)) ? O_WRONLY : O_RDONLY;
-    if (flags & CFile::modeCreate) os |= (flags & CFile::modeNoReplace) ? O_CREAT | O_EXCL : O_CREAT | O_TRUNC;
+    if (flags & CFile::modeCreate) os |= O_CREAT | O_TRUNC;
     return os | O_CLOEXEC | O_NONBLOCK;
 }
 }  // namespace

@@ -8,14 +8,7 @@
 
 class CFile {
 public:
-    // modeNoReplace, with modeCreate: fail when the name is taken rather than empty that file.
-    enum OpenFlags : UINT {
-        modeRead = 0x0,
-        modeWrite = 0x1,
-        modeReadWrite = 0x2,
-        modeCreate = 0x1000,
-        modeNoReplace = 0x10000
-    };
+    enum OpenFlags : UINT { modeRead = 0x0, modeWrite = 0x1, modeReadWrite = 0x2, modeCreate = 0x1000 };
     enum SeekPosition : UINT { begin = 0, current = 1, end = 2 };
 
     CFile() = default;

@@ -1,9 +1,12 @@
 // Verification: the rows of each pattern set, the two files a press leaves, and every way a press ends early.
 #include <sys/resource.h>
 
+#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <thread>
 
 #include "reference/reference.h"
 #include "files/verification.h"
@@ -133,10 +136,12 @@ TEST_F(VerificationTest, TrainingAndTestingPatternsGiveOneRowEachInReadingOrder)
     EXPECT_TRUE(m_prompts.Boxes().empty());
 }
 
-TEST_F(VerificationTest, TwoPressesInOneSecondLeaveTwoStampedFiles) {
+TEST_F(VerificationTest, TwoPressesInDifferentSecondsLeaveTwoStampedFiles) {
     Workspace(1, 0, 1.0, {0.0, 0.0});
     m_dlg.OnVerification();
     m_dlg.m_pOutputWeights[0] = 3.0;
+    const std::time_t first = std::time(nullptr);
+    while (std::time(nullptr) == first) std::this_thread::sleep_for(std::chrono::milliseconds(20));
     m_dlg.OnVerification();
     const auto files = Files();
     ASSERT_EQ(files.size(), 3u);
