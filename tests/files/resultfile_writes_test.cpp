@@ -14,7 +14,9 @@ class ResultFileTest : public MainDialogTest {
 protected:
     void SetUp() override {
         MainDialogTest::SetUp();
+        // A loaded data set has one output: the output weights are the bias and one per unit.
         m_dlg.m_nInputs = 1;
+        m_dlg.m_nOutputs = 1;
         ReplaceNetworkArrays(m_dlg, 1);
     }
 };
