@@ -1,11 +1,11 @@
 // Blocked accumulation of gradient and quasi-Hessian, and the forward pass of the error measure.
 //
-// A block holds kRowBlock patterns side by side: the inputs transposed, so that each unit's distances,
+// A block holds BlockPatterns patterns side by side: the inputs transposed, so that each unit's distances,
 // activations and Jacobian entries run over contiguous patterns (vector instructions, one call of ExpArray per
 // unit and block). The Jacobian is kept transposed, one row per parameter, which is the shape the symmetric
 // rank-k update takes without a copy.
 //
-// The patterns fall into two halves at a block boundary, each summed on its own (the second into spare
+// The patterns fall into two halves, each summed on its own (the second into spare
 // storage) and added at the end; the halves run on two threads when the work is worth it. The split depends on
 // the number of patterns alone, so the results are the same on one core as on two.
 #include <cblas.h>
@@ -32,25 +32,31 @@ size_t RowWidth(const CNetworkView& net, UINT nParams) {
     return std::max<size_t>(nParams, net.layout.Count());
 }
 
+UINT BlockPatterns(const CParamLayout& layout) {
+    const size_t rows = std::max<size_t>(1, layout.Count());
+    return static_cast<UINT>(std::clamp<size_t>((size_t(1) << 20) / rows, 256, 2048) / 4 * 4);
+}
+
 namespace {
 
 // The forward pass runs over whole groups of four patterns, so that every pattern's exp takes the same path
 // wherever it stands in its block; the lanes past the block's last pattern are computed and ignored.
 size_t Padded(size_t count) { return (count + 3) / 4 * 4; }
 
-constexpr size_t kLanes = (kRowBlock + 3) / 4 * 4;  // patterns a block holds, padding included
-
 // What one half of the patterns works in; sized by the caller before any thread starts, and only ever grown.
+// Every array holds `lanes` patterns side by side.
 struct CBlockScratch {
-    void Reserve(size_t inputs, size_t rowCount) {
+    void Reserve(size_t inputs, size_t rowCount, size_t blockPatterns) {
+        lanes = Padded(blockPatterns);
         for (std::vector<double>* v : {&dist, &arg, &phi, &y, &e})
-            if (v->size() < kLanes) v->resize(kLanes);
-        if (x.size() < inputs * kLanes) x.resize(inputs * kLanes);
-        if (rows.size() < rowCount * kLanes) rows.resize(rowCount * kLanes);
+            if (v->size() < lanes) v->resize(lanes);
+        if (x.size() < inputs * lanes) x.resize(inputs * lanes);
+        if (rows.size() < rowCount * lanes) rows.resize(rowCount * lanes);
     }
-    std::vector<double> x;  // input i of pattern r at x[i * kLanes + r]
+    size_t lanes = 0;
+    std::vector<double> x;  // input i of pattern r at x[i * lanes + r]
     std::vector<double> dist, arg, phi, y, e;
-    std::vector<double> rows;  // the transposed Jacobian: parameter k of pattern r at rows[k * kLanes + r]
+    std::vector<double> rows;  // the transposed Jacobian: parameter k of pattern r at rows[k * lanes + r]
 };
 
 // Outputs of patterns first .. first + count - 1 into s.y; with rows, also their Jacobian entries (rows 0 to
@@ -62,7 +68,7 @@ void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch
     const CParamLayout& layout = net.layout;
     const size_t n = layout.nInputs, m = Padded(count);
     for (size_t i = 0; i < n; ++i) {
-        double* xi = s.x.data() + i * kLanes;
+        double* xi = s.x.data() + i * s.lanes;
         for (size_t r = 0; r < count; ++r) xi[r] = net.pInputs[(first + r) * n + i];
         std::fill(xi + count, xi + m, 0.0);
     }
@@ -78,7 +84,7 @@ void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch
         const double w = net.pOutputWeights[h + 1];
         std::fill(dist, dist + m, 0.0);
         for (size_t i = 0; i < n; ++i) {
-            const double* xi = s.x.data() + i * kLanes;
+            const double* xi = s.x.data() + i * s.lanes;
             for (size_t r = 0; r < m; ++r) {
                 const double a = v[i] * xi[r] - c[i];
                 dist[r] += a * a;
@@ -90,20 +96,20 @@ void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch
         if (!rows) continue;
 
         if (h + 1 < layout.OutputWeightCount()) {
-            double* row = s.rows.data() + (h + 1) * kLanes;
+            double* row = s.rows.data() + (h + 1) * s.lanes;
             for (size_t r = 0; r < m; ++r) row[r] = -phi[r];
         }
         // The factors that every entry of the unit shares, taken out of the loops over the patterns:
         // -(w phi D) / S^2, -2 a w phi / S and 2 a w x phi / S.
         const double widthFactor = -w / (sh * sh), centerFactor = -2 * w / sh;
-        double* widthRow = s.rows.data() + (layout.Widths() + h) * kLanes;
+        double* widthRow = s.rows.data() + (layout.Widths() + h) * s.lanes;
         for (size_t r = 0; r < m; ++r) widthRow[r] = widthFactor * phi[r] * dist[r];
         for (size_t i = 0; i < n; ++i) {
-            const double* xi = s.x.data() + i * kLanes;
-            double* centerRow = s.rows.data() + (layout.Centers() + h * n + i) * kLanes;
+            const double* xi = s.x.data() + i * s.lanes;
+            double* centerRow = s.rows.data() + (layout.Centers() + h * n + i) * s.lanes;
             for (size_t r = 0; r < m; ++r) centerRow[r] = centerFactor * phi[r] * (v[i] * xi[r] - c[i]);
             if (!layout.bImproved) continue;
-            double* weightRow = s.rows.data() + (layout.InputWeights() + h * n + i) * kLanes;
+            double* weightRow = s.rows.data() + (layout.InputWeights() + h * n + i) * s.lanes;
             for (size_t r = 0; r < m; ++r) weightRow[r] = -centerRow[r] * xi[r];
         }
     }
@@ -116,9 +122,9 @@ void FillFixedRows(const CNetworkView& net, size_t rowCount, CBlockScratch& s) {
     const size_t outputs = layout.OutputWeightCount();
     const size_t used = std::min<size_t>(outputs, layout.nUnits + 1);
     double* rows = s.rows.data();
-    if (used > 0) std::fill(rows, rows + kLanes, -1.0);
-    std::fill(rows + used * kLanes, rows + outputs * kLanes, 0.0);
-    std::fill(rows + layout.Count() * kLanes, rows + rowCount * kLanes, 0.0);
+    if (used > 0) std::fill(rows, rows + s.lanes, -1.0);
+    std::fill(rows + used * s.lanes, rows + outputs * s.lanes, 0.0);
+    std::fill(rows + layout.Count() * s.lanes, rows + rowCount * s.lanes, 0.0);
 }
 
 // Sum of e * e over the block, in pattern order; e = target - output into s.e.
@@ -131,14 +137,13 @@ double BlockErrors(const CNetworkView& net, UINT first, UINT count, CBlockScratc
     return sum;
 }
 
-// Patterns [first, end) in the half `part` of two.
+// Patterns [first, end) in the half `part` of two; below kSplitPatterns the second half is empty.
 struct CHalf {
     UINT first, end;
 };
 
 CHalf HalfOf(UINT patterns, int part) {
-    const UINT blocks = (patterns + kRowBlock - 1) / kRowBlock;
-    const UINT middle = std::min(patterns, (blocks + 1) / 2 * kRowBlock);
+    const UINT middle = patterns >= kSplitPatterns ? (patterns + 1) / 2 : patterns;
     return part == 0 ? CHalf{0, middle} : CHalf{middle, patterns};
 }
 
@@ -199,15 +204,15 @@ std::vector<CBlockScratch>& ScratchOfHalves() {
 }
 
 // hessian (upper triangle, n x n) = beta * hessian + rows rows^T over count patterns (rows: n x count at
-// stride kLanes), in column strips of bounded work.
-void AddRankK(const double* rows, UINT count, size_t n, double beta, double* hessian) {
-    const int ld = static_cast<int>(kLanes), k = static_cast<int>(count), size = static_cast<int>(n);
+// stride lanes), in column strips of bounded work.
+void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double beta, double* hessian) {
+    const int ld = static_cast<int>(lanes), k = static_cast<int>(count), size = static_cast<int>(n);
     InStrips(n, 2.0 * count * n, [&](size_t j0, size_t w) {
         const int first = static_cast<int>(j0), width = static_cast<int>(w);
         if (first > 0)
-            cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, first, width, k, 1.0, rows, ld, rows + j0 * kLanes,
+            cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, first, width, k, 1.0, rows, ld, rows + j0 * lanes,
                         ld, beta, hessian + j0, size);
-        cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, width, k, 1.0, rows + j0 * kLanes, ld, beta,
+        cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, width, k, 1.0, rows + j0 * lanes, ld, beta,
                     hessian + j0 * n + j0, size);
     });
 }
@@ -218,14 +223,15 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
                             double* errors) {
     CBlockScratch s;
     const size_t rowCount = net.layout.Count();
-    s.Reserve(net.layout.nInputs, rowCount);
+    const UINT block = BlockPatterns(net.layout);
+    s.Reserve(net.layout.nInputs, rowCount, block);
     FillFixedRows(net, rowCount, s);
-    for (UINT done = 0; done < count; done += kRowBlock) {
-        const UINT part = std::min(kRowBlock, count - done);
+    for (UINT done = 0; done < count; done += block) {
+        const UINT part = std::min(block, count - done);
         ForwardBlock(net, first + done, part, s, true);
         BlockErrors(net, first + done, part, s);
         for (size_t k = 0; k < rowCount; ++k)
-            std::copy(s.rows.data() + k * kLanes, s.rows.data() + k * kLanes + part, rows + k * ld + done);
+            std::copy(s.rows.data() + k * s.lanes, s.rows.data() + k * s.lanes + part, rows + k * ld + done);
         std::copy(s.e.data(), s.e.data() + part, errors + done);
     }
 }
@@ -235,11 +241,12 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
     KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams);
     // The two halves' rows and the second gradient, refused before they are taken when they can't fit.
-    if (!AfxDoublesFit(2.0 * rowCount * kLanes + n)) throw std::bad_alloc();
+    const UINT block = BlockPatterns(net.layout);
+    if (!AfxDoublesFit(2.0 * rowCount * Padded(block) + n)) throw std::bad_alloc();
     std::vector<CBlockScratch>& halves = ScratchOfHalves();
     std::vector<double> secondGradient(n);
     for (CBlockScratch& s : halves) {
-        s.Reserve(net.layout.nInputs, rowCount);
+        s.Reserve(net.layout.nInputs, rowCount, block);
         FillFixedRows(net, rowCount, s);
     }
     double sums[2] = {0.0, 0.0};
@@ -251,15 +258,15 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
         CBlockScratch& s = halves[part];
         const CHalf half = HalfOf(net.nPatterns, part);
         std::fill(gradients[part], gradients[part] + n, 0.0);
-        for (UINT first = half.first; first < half.end && !AfxWorkAbandoned(); first += kRowBlock) {
-            const UINT count = std::min(kRowBlock, half.end - first);
+        for (UINT first = half.first; first < half.end && !AfxWorkAbandoned(); first += block) {
+            const UINT count = std::min(block, half.end - first);
             ForwardBlock(net, first, count, s, true);
             sums[part] += BlockErrors(net, first, count, s);
             if (n == 0) continue;
             cblas_dgemv(CblasRowMajor, CblasNoTrans, static_cast<int>(n), static_cast<int>(count), 1.0,
-                        s.rows.data(), static_cast<int>(kLanes), s.e.data(), 1, 1.0, gradients[part], 1);
+                        s.rows.data(), static_cast<int>(s.lanes), s.e.data(), 1, 1.0, gradients[part], 1);
             // The first block of a half overwrites (beta 0): neither triangle needs clearing beforehand.
-            if (hessian) AddRankK(s.rows.data(), count, n, written[part] ? 1.0 : 0.0, hessians[part]);
+            if (hessian) AddRankK(s.rows.data(), s.lanes, count, n, written[part] ? 1.0 : 0.0, hessians[part]);
             written[part] = true;
         }
     };
@@ -267,7 +274,7 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
     {
         // Each half runs its products on its own thread; more BLAS threads would only contend for the cores.
         CBlasThreads single(0.0);
-        RunHalves(work2 >= kParallelWork && net.nPatterns > kRowBlock, work);
+        RunHalves(work2 >= kParallelWork && net.nPatterns >= kSplitPatterns, work);
     }
     AfxThrowIfAbandoned();  // the halves stopped early: what they hold is incomplete
 
@@ -284,19 +291,21 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
 
 double SumSquaredErrors(const CNetworkView& net, double* outputs) {
     std::vector<CBlockScratch>& halves = ScratchOfHalves();
-    for (CBlockScratch& s : halves) s.Reserve(net.layout.nInputs, 0);
+    // The blocks of the accumulation, so that both sum the squares in the same order.
+    const UINT block = BlockPatterns(net.layout);
+    for (CBlockScratch& s : halves) s.Reserve(net.layout.nInputs, 0, block);
     double sums[2] = {0.0, 0.0};
     auto work = [&](int part) {
         CBlockScratch& s = halves[part];
         const CHalf half = HalfOf(net.nPatterns, part);
-        for (UINT first = half.first; first < half.end && !AfxWorkAbandoned(); first += kRowBlock) {
-            const UINT count = std::min(kRowBlock, half.end - first);
+        for (UINT first = half.first; first < half.end && !AfxWorkAbandoned(); first += block) {
+            const UINT count = std::min(block, half.end - first);
             ForwardBlock(net, first, count, s, false);
             sums[part] += BlockErrors(net, first, count, s);
             if (outputs) std::copy(s.y.data(), s.y.data() + count, outputs + first);
         }
     };
-    RunHalves(ForwardWork(net) >= kParallelWork && net.nPatterns > kRowBlock, work);
+    RunHalves(ForwardWork(net) >= kParallelWork && net.nPatterns >= kSplitPatterns, work);
     AfxThrowIfAbandoned();
     return sums[0] + sums[1];
 }

@@ -41,8 +41,13 @@ void InStrips(size_t cols, double columnWork, Strip strip) {
         strip(first, std::min(width, cols - first));
 }
 
-// Patterns per block of Jacobian rows.
-constexpr UINT kRowBlock = 256;
+// Patterns per block of Jacobian rows for a layout: as many as keep a block's rows near 8 MB, between 256 and
+// 2048. Fewer, larger blocks mean fewer passes over the quasi-Hessian, which each block's update reads and
+// writes whole.
+UINT BlockPatterns(const CParamLayout& layout);
+
+// From this many patterns on, the patterns fall into two halves, each summed on its own.
+constexpr UINT kSplitPatterns = 512;
 
 // Number of rows of the transposed Jacobian: the packed vector's length, or the layout's when that is
 // longer, so that there is a row for every entry of the form.

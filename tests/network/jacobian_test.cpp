@@ -88,7 +88,7 @@ TEST(Accumulators, NoUnitsGiveMinusSumOfErrorsAndPatternCount) {
 
 TEST(Accumulators, QuasiHessianIsSymmetricWithNonNegativeDiagonalAndInverseCleared) {
     CVantrelDlg dlg;
-    MakeSample(dlg, {kernels::kRowBlock + 9, 2, 7, 1, 5});
+    MakeSample(dlg, {kernels::kSplitPatterns + 9, 2, 7, 1, 5});
     dlg.AccumulateImprovedSecondOrder();
     const UINT n = dlg.m_nParams;
     for (UINT i = 0; i < n; ++i) {
@@ -130,7 +130,8 @@ TEST(Accumulators, FirstOrderFormsLeaveQuasiHessianAndInverseAlone) {
 }
 
 TEST(Accumulators, BlockedKernelAgreesWithPlainLoopsAcrossRowBlocks) {
-    for (UINT patterns : {0u, 1u, kernels::kRowBlock - 1, kernels::kRowBlock, 2 * kernels::kRowBlock + 3}) {
+    // Two halves from kSplitPatterns on; 4103 gives each half two blocks of at most 2048.
+    for (UINT patterns : {0u, 1u, kernels::kSplitPatterns - 1, kernels::kSplitPatterns, 4103u}) {
         for (bool improved : {false, true}) {
             CVantrelDlg dlg;
             MakeSample(dlg, {patterns, 2, 9, improved ? 4 : 3, patterns + 1});
@@ -159,7 +160,7 @@ TEST(Accumulators, BlockedKernelAgreesWithPlainLoopsAcrossRowBlocks) {
 
 TEST(Accumulators, ResultsAndErrorAreTheSameOnOneCoreAsOnAll) {
     CVantrelDlg dlg;
-    MakeSample(dlg, {3 * kernels::kRowBlock + 17, 2, 40, 0, 8});  // large enough for two threads
+    MakeSample(dlg, {2017, 2, 40, 0, 8});  // large enough for two threads
     const size_t n = dlg.m_nParams;
     dlg.AccumulateSecondOrder();
     const std::vector<double> hessian(dlg.m_pHessian, dlg.m_pHessian + n * n);
