@@ -16,6 +16,11 @@ void AppendPairs(CDoubleArray& xs, CDoubleArray& ys, const CDoubleArray& errors)
     }
 }
 
+void EmptyPairs(CDoubleArray& xs, CDoubleArray& ys) {
+    xs.SetSize(0);
+    ys.SetSize(0);
+}
+
 void EmptyAll(CDataPlot& plot) {
     for (CDoubleArray* series : {&plot.m_arrPatternX, &plot.m_arrPatternY, &plot.m_arrPatternClass,
                                  &plot.m_arrGridX, &plot.m_arrGridY, &plot.m_arrGridValue})
@@ -44,17 +49,13 @@ void CPlotBase::SetLockedRange(double& lower, double& upper, const CAxisRange& r
 
 void CIterationPlot::AppendCurve(const CDoubleArray& errors, bool restart) {
     auto lock = SeriesLock();
-    if (restart) {
-        m_arrX.SetSize(0);
-        m_arrY.SetSize(0);
-    }
+    if (restart) EmptyPairs(m_arrX, m_arrY);
     AppendPairs(m_arrX, m_arrY, errors);
 }
 
 void CIterationPlot::ClearSeries() {
     auto lock = SeriesLock();
-    m_arrX.SetSize(0);
-    m_arrY.SetSize(0);
+    EmptyPairs(m_arrX, m_arrY);
 }
 
 CAxisRange CIterationPlot::XRange() { return LockedRange(m_dXMin, m_dXMax); }
@@ -69,15 +70,13 @@ void CIterationPlot::SetYRange(const CAxisRange& range) { SetLockedRange(m_dYMin
 
 void CSummaryPlot::SetPoints(const CDoubleArray& errors) {
     auto lock = SeriesLock();
-    m_arrX.SetSize(0);
-    m_arrY.SetSize(0);
+    EmptyPairs(m_arrX, m_arrY);
     AppendPairs(m_arrX, m_arrY, errors);
 }
 
 void CSummaryPlot::ClearSeries() {
     auto lock = SeriesLock();
-    m_arrX.SetSize(0);
-    m_arrY.SetSize(0);
+    EmptyPairs(m_arrX, m_arrY);
 }
 
 CAxisRange CSummaryPlot::YRange() { return LockedRange(m_dYMin, m_dYMax); }
