@@ -1,4 +1,5 @@
 // The application object and its start.
+#include "network/kernels.h"
 #include "shell/mainwindow.h"
 
 BOOL CVantrelApp::InitInstance() {
@@ -13,4 +14,7 @@ BOOL CVantrelApp::InitInstance() {
 
 static CVantrelApp theApp;
 
-int main(int argc, char** argv) { return theApp.Run(argc, argv); }
+int main(int argc, char** argv) {
+    kernels::StartWithQuietBlasThreads(argv);
+    return theApp.Run(argc, argv);
+}
