@@ -1,5 +1,5 @@
 // The application object and its start.
-#include "network/kernels.h"
+#include "engine/kernels.h"
 #include "shell/mainwindow.h"
 
 BOOL CVantrelApp::InitInstance() {
@@ -15,6 +15,6 @@ BOOL CVantrelApp::InitInstance() {
 static CVantrelApp theApp;
 
 int main(int argc, char** argv) {
-    kernels::StartWithQuietBlasThreads(argv);
+    engine::kernels::StartWithQuietBlasThreads(argv);
     return theApp.Run(argc, argv);
 }

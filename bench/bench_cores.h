@@ -3,16 +3,16 @@
 
 #include <cblas.h>
 
-#include "network/kernels.h"
+#include "engine/kernels.h"
 
 class CBenchCores {
 public:
     explicit CBenchCores(int cores) : m_blasThreads(openblas_get_num_threads()) {
-        kernels::LimitThreads(cores);
+        engine::kernels::LimitThreads(cores);
         if (cores > 0) openblas_set_num_threads(cores);
     }
     ~CBenchCores() {
-        kernels::LimitThreads(0);
+        engine::kernels::LimitThreads(0);
         openblas_set_num_threads(m_blasThreads);
     }
     CBenchCores(const CBenchCores&) = delete;

@@ -7,14 +7,14 @@
 
 #include <cstdio>
 
-#include "network/kernels.h"
+#include "engine/kernels.h"
 #include "ratio_reporter.h"
 
 void RegisterNetworkBenchmarks();  // network_bench.cpp
 void RegisterRunBenchmarks();      // run_bench.cpp
 
 int main(int argc, char** argv) {
-    kernels::StartWithQuietBlasThreads(argv);  // ours and the BLAS-only references alike
+    engine::kernels::StartWithQuietBlasThreads(argv);  // ours and the BLAS-only references alike
     // An application object gives the read-out benchmark the window queue that a run posts into.
     QCoreApplication application(argc, argv);
     RegisterNetworkBenchmarks();

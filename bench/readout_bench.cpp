@@ -4,26 +4,22 @@
 
 #include <string>
 
-#include "reference/reference.h"
+#include "engine/runs.h"
 #include "platform/strings.h"
 #include "platform/uiqueue.h"
-#include "training/training.h"
-#include "workspace/workspace.h"
+#include "reference/samples.h"
 
 namespace {
 
 // The smallest network a user trains for long: 50 patterns, one input, three units (as the 1-D sample).
 void BM_FirstOrderIteration(benchmark::State& state) {
-    CVantrelDlg dlg;
-    MakeSample(dlg, CSampleShape{50, 1, 3, 3, 7});
-    dlg.m_dLearningConstant = 0.001;
-    dlg.m_dMomentum = 0.5;
-    for (UINT i = 0; i < dlg.m_nParams; ++i) dlg.m_pDelta[i] = 0.0;
+    engine::CNetworkBuffers net;
+    MakeSample(net, CSampleShape{50, 1, 3, engine::kFirstOrder, 7});
     for (auto _ : state) {
-        dlg.AccumulateGradient();
-        training::ApplyFirstOrderStep(dlg);
-        dlg.UnpackParameters();
-        benchmark::DoNotOptimize(dlg.ComputeError());
+        net.Accumulate(false, false);
+        engine::ApplyFirstOrderStep(net.Step(), 0.001, 0.5);
+        net.UnpackParameters();
+        benchmark::DoNotOptimize(net.ComputeError());
     }
 }
 BENCHMARK(BM_FirstOrderIteration);

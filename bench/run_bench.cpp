@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "bench_cores.h"
-#include "reference/samples.h"
+#include "reference/dialogsample.h"
 #include "workspace/workspace.h"
 
 namespace {

@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "files/verification.h"
-#include "network/network.h"
-#include "reference/reference.h"
 #include "platform/files.h"
+#include "reference/dialogsample.h"
+#include "workspace/network.h"
 #include "workspace/workspace.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "files/datafile.h"
-#include "network/network.h"
+#include "workspace/network.h"
 #include "platform/files.h"
 #include "platform/memory.h"
 #include "workspace/workspace.h"

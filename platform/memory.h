@@ -1,17 +1,8 @@
-// How much memory the process may use, asked before a block sized by a user's count is taken.
-//
-// The system grants address space it may not have: a block far beyond the machine's memory is handed out,
-// and the process is killed only when it fills it. So a count that can't fit has to be refused before its
-// blocks are taken, never through an allocation that fails.
+// The memory check under the names the window's code calls it by; the engine owns the check itself.
 #pragma once
 
-// Bytes the process may use in all: the machine's memory, or less where its control group or its address
-// space limit says so.
-unsigned long long AfxUsableMemory();
+#include "engine/memory.h"
 
-// True when bytes more (a double, so that products of counts never wrap) fit beside what the process holds
-// now. Blocks that replace others count whole: the new ones are taken before the old ones go.
-bool AfxMemoryFits(double bytes);
-
-// The same for a number of doubles.
-inline bool AfxDoublesFit(double count) { return AfxMemoryFits(count * sizeof(double)); }
+inline unsigned long long AfxUsableMemory() { return engine::UsableMemory(); }
+inline bool AfxMemoryFits(double bytes) { return engine::MemoryFits(bytes); }
+inline bool AfxDoublesFit(double count) { return engine::DoublesFit(count); }

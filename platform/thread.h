@@ -1,8 +1,6 @@
 // The worker thread of a training run.
 #pragma once
 
-#include <atomic>
-
 #include "platform/types.h"
 
 using AFX_THREADPROC = UINT (*)(void* param);
@@ -25,22 +23,6 @@ int AfxRunningWorkers();
 // Main thread: keeps the window responsive (a worker may be waiting on a message box) until every worker has
 // returned and everything it queued for the window is shown.
 void AfxWaitForWorkers();
-
-// Closing the window abandons the work of running workers: the iteration under way is of no use once the
-// window goes, and a large network may take minutes to finish it. AfxAbandonWorkers (main thread) marks the
-// workers' work abandoned; the heavy loops call AfxThrowIfAbandoned at short intervals, which on a worker
-// thread then throws CWorkAbandoned, so the run unwinds at once and writes nothing more. The mark is
-// cleared when the next worker starts after all have ended.
-class CWorkAbandoned {};
-void AfxAbandonWorkers();
-// True while the work of the workers is abandoned, on any thread but the window's: a loop on a helper thread
-// of a worker stops early with it, and the worker throws once the helpers are joined.
-bool AfxWorkAbandoned();
-void AfxThrowIfAbandonedSlow();
-extern std::atomic<bool> g_afxWorkersAbandoned;
-inline void AfxThrowIfAbandoned() {
-    if (g_afxWorkersAbandoned.load(std::memory_order_relaxed)) AfxThrowIfAbandonedSlow();
-}
 
 // True on the thread that created the windows (the main thread).
 bool AfxIsGuiThread();

@@ -4,9 +4,11 @@
 #include <cmath>
 #include <vector>
 
-#include "network/matrix.h"
+#include "engine/matrix.h"
 
 namespace reference {
+
+using namespace engine;
 
 namespace {
 
@@ -104,12 +106,33 @@ void LUdcmp(double* a, int n, int* indx) {
     }
 }
 
+void LUBackSubstitute(const double* a, int n, const int* indx, const double* b, double* x) {
+    for (int i = 0; i < n; ++i) x[i] = b[i];
+    int f = -1;  // first index with a non-zero value; the terms before it are all 0
+    for (int i = 0; i < n; ++i) {
+        const int p = indx[i];
+        double s = x[p];
+        x[p] = x[i];
+        if (f >= 0) {
+            for (int j = f; j < i; ++j) s -= a[i * n + j] * x[j];
+        } else if (s != 0.0) {
+            f = i;
+        }
+        x[i] = s;
+    }
+    for (int i = n - 1; i >= 0; --i) {
+        double s = x[i];
+        for (int j = i + 1; j < n; ++j) s -= a[i * n + j] * x[j];
+        x[i] = s / a[i * n + i];
+    }
+}
+
 void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse) {
     std::vector<double> b(n), x(n);
     for (int j = 0; j < n; ++j) {
         for (int i = 0; i < n; ++i) b[i] = 0.0;
         b[j] = 1.0;
-        ::LUBackSubstitute(lu, n, indx, b.data(), x.data());
+        LUBackSubstitute(lu, n, indx, b.data(), x.data());
         for (int i = 0; i < n; ++i) inverse[i * n + j] = x[i];
     }
 }

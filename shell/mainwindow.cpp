@@ -184,10 +184,10 @@ void CVantrelDlg::OnClose() {
     // while it waits (the worker may be waiting on a message box), so Start is taken away first: no new run
     // may begin between the end of this one and the release. The iteration under way is abandoned, not
     // finished: on a large network it would keep the window waiting for minutes.
-    m_bTraining = false;
-    AfxAbandonWorkers();
+    m_cancel.Abandon();
     GetDlgItem(IDC_START_TRAINING)->EnableWindow(FALSE);
     AfxWaitForWorkers();
+    m_bTraining = false;
     ReleaseArrays();
     m_dataPlot.ClearSeries();
     m_iterationPlot.ClearSeries();

@@ -43,7 +43,7 @@ void FeedDataPlot(CVantrelDlg& dlg) {
     gridY.reserve(xs.size() * ys.size());
     values.reserve(xs.size() * ys.size());
     for (double x : xs) {
-        AfxThrowIfAbandoned();
+        dlg.m_cancel.ThrowIfAbandoned();
         for (double y : ys) {
             gridX.push_back(x);
             gridY.push_back(y);

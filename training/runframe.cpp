@@ -1,8 +1,7 @@
 #include "training/runframe.h"
 
-#include "platform/clock.h"
-#include "platform/memory.h"
 #include "platform/shared.h"
+#include "workspace/network.h"
 
 namespace training {
 
@@ -12,92 +11,104 @@ void EnableItems(CVantrelDlg& dlg, ControlList ids, BOOL enable) {
     for (int id : ids) dlg.GetDlgItem(id)->EnableWindow(enable);
 }
 
-void WriteIterationReadouts(CVantrelDlg& dlg, UINT iteration, double error) {
-    CString text;
-    text.Format("%d", static_cast<int>(iteration));
-    SetItemText(dlg, IDC_CURRENT_ITERATIONS, text);
-    WriteNumber(dlg, IDC_CURRENT_PARTIAL_ERROR, "%.12f", error);
-}
-
 void WriteNumber(CVantrelDlg& dlg, int id, const char* format, double value) {
     CString text;
     text.Format(format, value);
     SetItemText(dlg, id, text);
 }
 
-double SecondsSince(DWORD startTick) {
-    const DWORD elapsed = GetTickCount() - startTick;  // unsigned: right across the tick's wrap
-    return elapsed * 0.001;
+engine::CStepArrays CWorkspaceTrainee::Step() {
+    return engine::CStepArrays{m_dlg.m_pParams, m_dlg.m_pDelta, m_dlg.m_pGradient, m_dlg.m_pHessian,
+                               m_dlg.m_nParams};
 }
 
-bool BeginRun(RunState& run) {
-    CVantrelDlg& dlg = run.dlg;
-    // The loader refuses such sets; should one come through anyway, the worst-pattern search and the center
-    // copy of a new unit would read rows that don't exist, so no run starts on it.
-    if (dlg.m_nPatterns == 0 || dlg.m_nInputs == 0) {
-        EndRun(run, RunEnding::Failed,
-               "The data set has no patterns or no inputs: load another data set before training.");
-        return false;
-    }
-    if (AfxReadShared(dlg.m_bSaveResults) != 0 && !dlg.CreateResultFile(&run.resultPath)) {
-        EndRun(run, RunEnding::Failed, "Create Result File Failed!");
-        return false;
-    }
-    return true;
-}
-
-std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams) {
-    const double n = nParams;
-    // Three n x n blocks live during a damped trial: this one, m_pHessian and m_pHessianInv. What can't fit
-    // is refused here, before any is taken, where the run can still say why.
-    if (!AfxDoublesFit(3.0 * n * n)) throw CQuasiHessianTooLarge();
-    try {
-        return std::unique_ptr<double[]>(new double[size_t(nParams) * nParams]);
-    } catch (const std::bad_alloc&) {
-        throw CQuasiHessianTooLarge();
+void CWorkspaceTrainee::Accumulate(bool improved, bool secondOrder) {
+    if (secondOrder) {
+        if (improved) m_dlg.AccumulateImprovedSecondOrder();
+        else m_dlg.AccumulateSecondOrder();
+    } else {
+        if (improved) m_dlg.AccumulateImprovedGradient();
+        else m_dlg.AccumulateGradient();
     }
 }
 
-UINT EndRun(RunState& run, RunEnding ending, const CString& failureMessage) {
-    CVantrelDlg& dlg = run.dlg;
+double CWorkspaceTrainee::AccumulateGradientAndError(bool improved) {
+    return ::AccumulateGradientAndError(m_dlg, improved);
+}
+
+UINT CWorkspaceSettings::Iterations() const { return AfxReadShared(m_dlg.m_nIterations); }
+
+double CWorkspaceSettings::DesiredError() const { return AfxReadShared(m_dlg.m_dDesiredError); }
+
+UINT CWorkspaceSettings::Trials() const { return AfxReadShared(m_dlg.m_nTrials); }
+
+bool CWorkspaceSettings::SaveResults() const { return AfxReadShared(m_dlg.m_bSaveResults) != 0; }
+
+namespace {
+
+// A plot takes its series as the run's growable array.
+void FillSeries(CDoubleArray& series, const std::vector<double>& values) {
+    series.SetSize(static_cast<int>(values.size()));
+    for (size_t k = 0; k < values.size(); ++k) series.SetAt(static_cast<int>(k), values[k]);
+}
+
+}  // namespace
+
+bool CWindowSink::CreateResultFile() { return m_dlg.CreateResultFile(&m_resultPath) != 0; }
+
+void CWindowSink::IterationDone(UINT iteration, double error) {
+    CString text;
+    text.Format("%d", static_cast<int>(iteration));
+    SetItemText(m_dlg, IDC_CURRENT_ITERATIONS, text);
+    WriteNumber(m_dlg, IDC_CURRENT_PARTIAL_ERROR, "%.12f", error);
+}
+
+void CWindowSink::TimesDone(double seconds, double runSeconds) {
+    WriteNumber(m_dlg, IDC_CURRENT_PARTIAL_TIME, "%.3f", seconds);
+    WriteNumber(m_dlg, IDC_CURRENT_TOTAL_TIME, "%.3f", runSeconds);
+}
+
+void CWindowSink::IterationCurve(const std::vector<double>& errors) {
+    const bool oneCurve = AfxReadShared(m_dlg.m_nCurveMode) == 0;
+    CDoubleArray series;
+    FillSeries(series, errors);
+    // Multiple Curves can't be chosen with the Error Correction Algorithm; any other mode draws nothing.
+    if (m_errorCorrection) {
+        if (oneCurve) FeedIterationPlot(m_dlg, series, true, 2);
+        return;
+    }
+    FeedIterationPlot(m_dlg, series, oneCurve, oneCurve ? 0 : 1);
+}
+
+void CWindowSink::NetworkDone() {
+    if (m_dlg.m_bClassification) FeedDataPlot(m_dlg);
+}
+
+void CWindowSink::TotalError(double error) { WriteNumber(m_dlg, IDC_CURRENT_TOTAL_ERROR, "%.12f", error); }
+
+void CWindowSink::SummaryCurve(const std::vector<double>& finalErrors, UINT multiplier) {
+    CDoubleArray series;
+    FillSeries(series, finalErrors);
+    FeedSummaryPlot(m_dlg, series, static_cast<int>(multiplier), m_errorCorrection ? 2 : 0);
+}
+
+void CWindowSink::ResultBlock(UINT units, UINT iterations, double error) {
+    if (m_errorCorrection) m_dlg.WriteErrCorResults(&m_resultPath, units, iterations, error);
+    else m_dlg.WriteRunResults(&m_resultPath, units, iterations, error);
+}
+
+UINT EndRun(CVantrelDlg& dlg, const engine::CRunOutcome& outcome) {
+    if (outcome.ending == engine::RunEnding::Abandoned) return 1;
     // The box holds the worker until it is closed, so the controls come back only after the user has read it.
-    if (ending == RunEnding::Failed) dlg.MessageBox(failureMessage, "Error", MB_ICONHAND);
-    // Cleared (it already is after Stop) before the caption turns back: once the button shows "Start
-    // Training", a press starts the next run.
+    if (outcome.ending == engine::RunEnding::Failed) dlg.MessageBox(outcome.message.c_str(), "Error", MB_ICONHAND);
+    // Cleared before the caption turns back: once the button shows "Start Training", a press starts the next
+    // run.
     dlg.m_bTraining = false;
     SetItemText(dlg, IDC_START_TRAINING, "Start Training");
-    run.iterationErrors.RemoveAll();
-    run.finalErrors.RemoveAll();
     // Verification needs a network that a run finished: a stopped or failed run leaves it disabled.
-    EnableItems(dlg, ending == RunEnding::Normal ? kRunLockedControls : kRunUnlockedAfterStop);
-    return ending == RunEnding::Normal ? 0 : 1;
-}
-
-UINT EndAbandoned(RunState& run) {
-    run.iterationErrors.RemoveAll();
-    run.finalErrors.RemoveAll();
-    return 1;
-}
-
-CString FailureMessage(const RunState& run) {
-    CString message;
-    try {
-        throw;
-    } catch (const CQuasiHessianTooLarge&) {
-        message.Format("Not enough memory for the quasi-Hessian of %u parameters: training stopped.",
-                       run.dlg.m_nParams);
-    } catch (const std::bad_alloc&) {
-        message.Format("Not enough memory: training stopped at iteration %u.", run.iteration);
-    } catch (const std::exception& failure) {
-        // In practice the singular matrix of the inversion: a quasi-Hessian with a positive damping value
-        // has no zero row, so a row without magnitude means that the network has turned to NaN.
-        message.Format("Training stopped at iteration %u: %s.\n"
-                       "The network can't be trained further from its present values; initialize it again.",
-                       run.iteration, failure.what());
-    } catch (...) {
-        message.Format("Training stopped at iteration %u by an unknown failure.", run.iteration);
-    }
-    return message;
+    const bool normal = outcome.ending == engine::RunEnding::Normal;
+    EnableItems(dlg, normal ? kRunLockedControls : kRunUnlockedAfterStop);
+    return normal ? 0 : 1;
 }
 
 }  // namespace training

@@ -1,45 +1,84 @@
-// The frame that every training run shares: the run's own values, the read-outs, feeding the plots, the
-// loop of trials of the methods with a fixed number of units, and the ways a run ends.
+// The window's side of a run: the engine (engine/runs.h) trains the workspace through the three things it
+// talks to, which this header implements on the workspace: a trainee on its blocks, a settings reader of its
+// fields, and a progress sink that writes the read-outs, the plots and the result file. The run functions
+// (TrainSecondOrder, ... declared with the workspace) put them together and end the run as the window shows it.
 #pragma once
 
-#include <memory>
-#include <new>
+#include <vector>
 
-#include "platform/thread.h"
+#include "engine/runs.h"
 #include "workspace/workspace.h"
 
 namespace training {
-
-// What a run holds of its own from its start to its end.
-struct RunState {
-    explicit RunState(CVantrelDlg& workspace) : dlg(workspace) {}
-    CVantrelDlg& dlg;
-    CDoubleArray iterationErrors;  // this trial's or unit's: element 0 before the first iteration
-    CDoubleArray finalErrors;      // one per finished trial or unit
-    CString resultPath;
-    double totalTime = 0.0;        // sum of the trials' or units' times
-    double errorSum = 0.0;         // sum of the trials' final errors
-    UINT iteration = 0;            // the iteration under way (0 before the first), for a failure message
-};
 
 // Control operations from the worker: queued to the window's thread, never waited for. Without a window
 // (unit tests) they do nothing.
 void SetItemText(CVantrelDlg& dlg, int id, const CString& text);
 void EnableItems(CVantrelDlg& dlg, ControlList ids, BOOL enable = TRUE);
-
-// Read-outs.
-void WriteIterationReadouts(CVantrelDlg& dlg, UINT iteration, double error);  // 1024 and 1025
 void WriteNumber(CVantrelDlg& dlg, int id, const char* format, double value);
-double SecondsSince(DWORD startTick);
 
-// Refuses a data set without patterns or inputs and creates the result file when one is asked for. On
-// false the run has already ended as failed and must return 1.
-bool BeginRun(RunState& run);
+// The workspace's network, patterns and training blocks, through its members of the same names.
+class CWorkspaceTrainee : public engine::CTrainee {
+public:
+    explicit CWorkspaceTrainee(CVantrelDlg& dlg) : m_dlg(dlg) {}
+    UINT Patterns() const override { return m_dlg.m_nPatterns; }
+    UINT Inputs() const override { return m_dlg.m_nInputs; }
+    UINT Units() const override { return m_dlg.m_nUnits; }
+    engine::CStepArrays Step() override;
+    void InitializeNetwork() override { m_dlg.InitializeNetwork(); }
+    void PackParameters() override { m_dlg.PackParameters(); }
+    void UnpackParameters() override { m_dlg.UnpackParameters(); }
+    double ComputeError() override { return m_dlg.ComputeError(); }
+    double ComputeOutputs() override { return m_dlg.ComputeOutputs(); }
+    void Accumulate(bool improved, bool secondOrder) override;
+    double AccumulateGradientAndError(bool improved) override;
+    void SolveHessian(double* x) override { m_dlg.SolveHessian(x); }
+    void ResetNetwork() override { m_dlg.ResetNetwork(); }
+    void AddUnitAtWorstPattern() override { m_dlg.AddUnitAtWorstPattern(); }
 
-// The saved quasi-Hessian of the damped methods; throws CQuasiHessianTooLarge when it does not fit, so that
-// the message can tell it from other memory that ran out.
-class CQuasiHessianTooLarge : public std::bad_alloc {};
-std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams);
+private:
+    CVantrelDlg& m_dlg;
+};
+
+// The workspace's settings, read at each use: the edits of iterations, desired error and trials stay live
+// during a run.
+class CWorkspaceSettings : public engine::CRunSettings {
+public:
+    explicit CWorkspaceSettings(const CVantrelDlg& dlg) : m_dlg(dlg) {}
+    engine::Algorithm GetAlgorithm() const override { return static_cast<engine::Algorithm>(m_dlg.m_nAlgorithm); }
+    UINT Iterations() const override;
+    double DesiredError() const override;
+    UINT Trials() const override;
+    UINT MaxUnits() const override { return m_dlg.m_nMaxUnits; }
+    double LearningConstant() const override { return m_dlg.m_dLearningConstant; }
+    double Momentum() const override { return m_dlg.m_dMomentum; }
+    bool LoadFromFile() const override { return m_dlg.m_dlgInitialization.m_nLoadFromFile != 0; }
+    bool SaveResults() const override;
+
+private:
+    const CVantrelDlg& m_dlg;
+};
+
+// What a run shows: read-outs 1024 to 1028, the iteration and summary plots, the data plot's decision
+// regions for a classification set, and the result file. The Error Correction Algorithm draws its curves in
+// its own modes and writes its own blocks.
+class CWindowSink : public engine::CProgressSink {
+public:
+    CWindowSink(CVantrelDlg& dlg, bool errorCorrection) : m_dlg(dlg), m_errorCorrection(errorCorrection) {}
+    bool CreateResultFile() override;
+    void IterationDone(UINT iteration, double error) override;
+    void TimesDone(double seconds, double runSeconds) override;
+    void IterationCurve(const std::vector<double>& errors) override;
+    void NetworkDone() override;
+    void TotalError(double error) override;
+    void SummaryCurve(const std::vector<double>& finalErrors, UINT multiplier) override;
+    void ResultBlock(UINT units, UINT iterations, double error) override;
+
+private:
+    CVantrelDlg& m_dlg;
+    bool m_errorCorrection;
+    CString m_resultPath;
+};
 
 // Feeding the plots. Each rebuilds its plot's series under the plot's lock and refreshes after releasing it.
 // FeedIterationPlot empties the curve first when restart is set (One Curve, and the Error Correction
@@ -53,37 +92,13 @@ void FeedDataPlot(CVantrelDlg& dlg);
 bool NetworkFitsPatterns(const CVantrelDlg& dlg);
 extern const char* const kNetworkOfAnotherSet;
 
-// How a run ended.
-enum class RunEnding {
-    Normal,   // all trials or units done, or the goal reached
-    Stopped,  // by the user
-    Failed,   // the result file, or a failure within the run; the network stays as the failure left it
-};
-
-// Ends a run: shows failureMessage under "Error" when it failed, clears m_bTraining, turns the button back to
-// "Start Training", releases the run's series and enables what Start disabled, Verification only after a
-// normal end. Returns the run function's result: 0 after a normal end, else 1.
-UINT EndRun(RunState& run, RunEnding ending, const CString& failureMessage = CString());
-// The window is closing and has abandoned the run (CWorkAbandoned): nothing more is shown or written, and
-// the iteration under way is dropped. 1.
-UINT EndAbandoned(RunState& run);
-// The message for the exception that ended a run; to be called inside the catch block. A worker is a thread
-// of its own, and whatever escaped it would end the program, so the runs catch everything.
-CString FailureMessage(const RunState& run);
-
-// A method of a fixed number of units, as the loop of trials drives it.
-class CTrialMethod {
-public:
-    virtual ~CTrialMethod() = default;
-    // Called after PackParameters, before the initial error.
-    virtual void BeginTrial(CVantrelDlg& dlg) = 0;
-    // One iteration; returns the error after it.
-    virtual double Iterate(CVantrelDlg& dlg, double previousError) = 0;
-    // Releases what the trial holds (a stop or failure ends a trial here as well).
-    virtual void EndTrial() {}
-};
-
-// The whole run of a method of fixed size: result file, trials, read-outs, plots, result blocks, ending.
-UINT RunTrials(CVantrelDlg& dlg, CTrialMethod& method);
+// Ends a run as the window shows it: a failure's message under "Error", m_bTraining cleared, the button back
+// to "Start Training", and what Start disabled enabled again, Verification only after a normal end. An
+// abandoned run (the window is closing) shows and writes nothing. Returns the run function's result: 0 after
+// a normal end, else 1.
+UINT EndRun(CVantrelDlg& dlg, const engine::CRunOutcome& outcome);
+inline UINT EndRun(CVantrelDlg& dlg, engine::RunEnding ending, const char* message = "") {
+    return EndRun(dlg, engine::CRunOutcome{ending, message});
+}
 
 }  // namespace training

@@ -6,6 +6,9 @@ namespace {
 
 // The run function of each algorithm, in the order of the algorithm combo box.
 AFX_THREADPROC RunFunctionOf(int algorithm) {
+    static_assert(engine::kSecondOrder == 0 && engine::kImprovedSecondOrder == 1 && engine::kErrorCorrection == 2 &&
+                      engine::kFirstOrder == 3 && engine::kImprovedFirstOrder == 4,
+                  "the table follows the algorithms' order");
     static const AFX_THREADPROC functions[] = {TrainSecondOrder, TrainImprovedSecondOrder, TrainByErrorCorrection,
                                                TrainFirstOrder, TrainImprovedFirstOrder};
     if (algorithm < 0 || algorithm >= static_cast<int>(sizeof functions / sizeof functions[0])) return nullptr;
@@ -25,23 +28,20 @@ void CVantrelDlg::OnStartTraining() {
         MessageBox("Please Initial Parameters", "Error", MB_ICONHAND);
         return;
     }
-    CString caption;
-    GetDlgItem(IDC_START_TRAINING)->GetWindowText(caption);
-
-    // The caption turns back to "Start Training" only as a run ends, so a press while a stopped run is still
-    // finishing its iteration starts nothing.
-    if (!m_bTraining && caption == "Start Training") {
+    // m_bTraining stays set until the run has ended, so a press while a stopped run is still finishing its
+    // iteration asks for the stop again and starts nothing.
+    if (!m_bTraining) {
         const AFX_THREADPROC run = RunFunctionOf(m_nAlgorithm);
         if (run == nullptr) return;  // the combo box offers no other index
+        m_cancel.Reset();
         m_bTraining = true;
         SetItemText(*this, IDC_START_TRAINING, "Stop Training");
         EnableItems(*this, kRunLockedControls, FALSE);
         if (AfxBeginThread(run, this, 0, 0, 0, nullptr) == nullptr) {
             // No thread to be had: a run that could not begin gives back what Start took, as a failed one.
-            RunState refused(*this);
-            EndRun(refused, RunEnding::Failed, "The system could not start the training thread.");
+            EndRun(*this, engine::RunEnding::Failed, "The system could not start the training thread.");
         }
     } else {
-        m_bTraining = false;  // Stop: the run sees it at the head of its next iteration
+        m_cancel.RequestStop();  // the run sees it at the head of its next iteration
     }
 }

@@ -1,13 +1,16 @@
 // CVantrelDlg: the workspace and main dialog. All state of the tool lives here: the data set, the network,
 // the training scratch arrays, every setting, the control wrappers, the three plots and the ten dialogs.
 //
-// Fields stand in their declared order. Member functions are defined in the folder of the subsystem they
-// belong to: network/ (model, derivatives, draw, inversion), training/ (runs), files/ (data, initialization,
-// parameter and result files), shell/ (main window handlers).
+// Fields stand in their declared order. The network members (model, derivatives, draw, decomposition) are
+// thin, in workspace/numerics.cpp: they size the workspace's blocks and hand them to the engine (engine/).
+// The other members are defined in the folder of the subsystem they belong to: training/ (runs), files/
+// (data, initialization, parameter and result files), shell/ (main window handlers).
 #pragma once
 
 #include <atomic>
 
+#include "engine/cancel.h"
+#include "engine/network.h"
 #include "platform/window.h"
 #include "workspace/dialogs.h"
 #include "workspace/doublearray.h"
@@ -51,13 +54,16 @@ public:
     double* m_pDelta = nullptr;              // m_nParams
 
     // ---- flags and algorithm ------------------------------------------------------------------------------
-    // The one signal from the window to a running worker, polled once per iteration. Atomic, because a plain
-    // byte shared between threads has no defined meaning in C++.
+    // A run is under way: set by Start, cleared as the run ends. Atomic, because a plain byte shared between
+    // threads has no defined meaning in C++.
     std::atomic<bool> m_bTraining{false};
+    // The one signal from the window to a running worker: Stop asks for a stop at the head of the next
+    // iteration, a close abandons the iteration under way. Reset as a run starts.
+    engine::CCancelToken m_cancel;
     bool m_bDataLoaded = false;
     bool m_bNetworkReady = false;
     bool m_bClassification = false;
-    int m_nAlgorithm = 0;
+    int m_nAlgorithm = engine::kSecondOrder;  // an engine::Algorithm, int for the combo box's data exchange
 
     int m_nInfoLines = 0;
     double m_dLearningConstant = 0.001;
@@ -108,7 +114,7 @@ public:
     int m_nGeneralization = 0;
     HICON m_hIcon = IDI_PROGRAM;
 
-    // ---- network model (network/) -----------------------------------------------------------------------------
+    // ---- network model (workspace/numerics.cpp, on the engine) ---------------------------------------------------
     void PackParameters();
     void UnpackParameters();
     double ComputeError();
@@ -121,18 +127,17 @@ public:
     void AccumulateImprovedGradient();
     void InitializeNetwork();
 
-    // ---- matrix inversion (network/) ----------------------------------------------------------------------------
-    void InvertHessian();
-    // The damped step without the inverse: factors m_pHessian in place as InvertHessian does (same exception)
-    // and writes the solution x of m_pHessian x = m_pGradient; m_pHessianInv is not touched.
+    void ResetNetwork();
+    void AddUnitAtWorstPattern();
+
+    // ---- matrix decomposition (workspace/numerics.cpp, on the engine) ------------------------------------------
+    // The damped step without forming the inverse: factors m_pHessian in place by LUdcmp (which raises
+    // "Singular matrix in LUdcmp") and writes the solution x of m_pHessian x = m_pGradient.
     void SolveHessian(double* x);
     void LUdcmp(double* a, int n, int* indx);
-    void LUBackSubstitute(double* a, int n, int* indx, double* b, double* x);
 
     // ---- training (training/) ----------------------------------------------------------------------------------
     void OnStartTraining();
-    void ResetNetwork();
-    void AddUnitAtWorstPattern();
     void OnOnlineTraining();
     int LoadOnlineData(CString* path);
 

@@ -8,7 +8,7 @@
 #include <map>
 #include <thread>
 
-#include "reference/reference.h"
+#include "reference/dialogsample.h"
 #include "files/verification.h"
 #include "platform/files.h"
 #include "support/main_dialog.h"

@@ -1,6 +1,6 @@
 // The main dialog's own rules: the information list's limit, the keys that must not end the program, and a
 // close during a run.
-#include "reference/reference.h"
+#include "reference/dialogsample.h"
 #include "shell/mainwindow.h"
 #include "support/main_dialog.h"
 

@@ -28,7 +28,7 @@ protected:
         ASSERT_TRUE(m_dlg.CreateHidden());
     }
     void TearDown() override {
-        m_dlg.m_bTraining = false;  // a test that failed during a run leaves no worker behind
+        m_dlg.m_cancel.Abandon();  // a test that failed during a run leaves no worker behind
         platform::PumpUntilWorkersDone(10000);
         AfxSetModuleDirectory("");
         AfxSetPromptHook(nullptr);

@@ -6,31 +6,43 @@
 #include <new>
 
 #include "files/resultfiles.h"
-#include "network/network.h"
 #include "platform/thread.h"
 #include "reference/reference.h"
 #include "run_fixture.h"
 #include "training/runframe.h"
+#include "workspace/network.h"
 
 namespace {
 
-// A method whose iterations give scripted errors and may act between them as the window would.
-class CScriptedMethod : public training::CTrialMethod {
+// The workspace as a first-order run trains it, but each iteration's error is scripted, and the script may
+// act between iterations as the window would.
+class CScriptedTrainee : public training::CWorkspaceTrainee {
 public:
-    explicit CScriptedMethod(std::function<double(CVantrelDlg&, int)> iterate) : m_iterate(std::move(iterate)) {}
-    void BeginTrial(CVantrelDlg&) override {}
-    double Iterate(CVantrelDlg& dlg, double) override { return m_iterate(dlg, ++calls); }
+    CScriptedTrainee(CVantrelDlg& dlg, std::function<double(CVantrelDlg&, int)> iterate)
+        : CWorkspaceTrainee(dlg), m_dlg(dlg), m_iterate(std::move(iterate)) {}
+    double AccumulateGradientAndError(bool) override { return m_iterate(m_dlg, ++calls); }
     int calls = 0;
 
 private:
+    CVantrelDlg& m_dlg;
     std::function<double(CVantrelDlg&, int)> m_iterate;
 };
+
+// A first-order run of the window on a scripted trainee, ended as the window ends it.
+UINT RunScripted(CVantrelDlg& dlg, CScriptedTrainee& trainee) {
+    dlg.m_nAlgorithm = engine::kFirstOrder;
+    dlg.m_cancel.Reset();
+    dlg.m_bTraining = true;
+    const training::CWorkspaceSettings settings(dlg);
+    training::CWindowSink sink(dlg, false);
+    return training::EndRun(dlg, engine::RunFixedSize(trainee, settings, sink, dlg.m_cancel));
+}
 
 // Errors after each of count iterations of damped Gauss-Newton on the workspace's network, from the plain
 // accumulation and inversion: damping from 0.01, divided by ten after a lower (or NaN) error, multiplied by
 // ten after each of at most six failed tries.
 std::vector<double> PlainDampedErrors(CVantrelDlg& dlg, int count) {
-    const bool improved = IsImprovedAlgorithm(dlg.m_nAlgorithm);
+    const bool improved = engine::IsImprovedAlgorithm(dlg.m_nAlgorithm);
     dlg.PackParameters();
     const UINT n = dlg.m_nParams;
     std::vector<double> hessian(n * n), gradient(n), damped, inverse(n * n), start(n), errors;
@@ -158,7 +170,7 @@ TEST_F(TrainingRun, SettingsChangedDuringARunTakeEffectAtTheirNextTest) {
     LoadSmallProblem();
     m_dlg.m_nIterations = 100;
     m_dlg.m_dDesiredError = 0.0;
-    CScriptedMethod method([](CVantrelDlg& dlg, int call) {
+    CScriptedTrainee method(m_dlg, [](CVantrelDlg& dlg, int call) {
         if (call == 3) {
             dlg.m_nIterations = 5;
             dlg.m_nTrials = 2;
@@ -167,8 +179,7 @@ TEST_F(TrainingRun, SettingsChangedDuringARunTakeEffectAtTheirNextTest) {
         if (call == 7) dlg.m_dDesiredError = 1.0;
         return 0.5;
     });
-    m_dlg.m_bTraining = true;
-    ASSERT_EQ(training::RunTrials(m_dlg, method), 0u);
+    ASSERT_EQ(RunScripted(m_dlg, method), 0u);
     EXPECT_EQ(method.calls, 7) << "5 iterations in the first trial, then a second trial ending below the new goal";
     EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrX), (std::vector<double>{1, 2, 3, 4, 5, 6, 1, 2, 3}))
         << "both trials must end in Multiple Curves mode";
@@ -178,15 +189,13 @@ TEST_F(TrainingRun, SettingsChangedDuringARunTakeEffectAtTheirNextTest) {
 // A worker is a thread of its own: whatever escaped it would end the program.
 TEST_F(TrainingRun, AnyFailureDuringATrialEndsTheRunWithAMessageOfItsOwn) {
     LoadSmallProblem();
-    CScriptedMethod outOfMemory([](CVantrelDlg&, int call) {
+    CScriptedTrainee outOfMemory(m_dlg, [](CVantrelDlg&, int call) {
         if (call == 2) throw std::bad_alloc();
         return 0.5;
     });
-    m_dlg.m_bTraining = true;
-    EXPECT_EQ(training::RunTrials(m_dlg, outOfMemory), 1u);
-    CScriptedMethod unknown([](CVantrelDlg&, int) -> double { throw 42; });
-    m_dlg.m_bTraining = true;
-    EXPECT_EQ(training::RunTrials(m_dlg, unknown), 1u);
+    EXPECT_EQ(RunScripted(m_dlg, outOfMemory), 1u);
+    CScriptedTrainee unknown(m_dlg, [](CVantrelDlg&, int) -> double { throw 42; });
+    EXPECT_EQ(RunScripted(m_dlg, unknown), 1u);
 
     ASSERT_EQ(Boxes().size(), 2u);
     EXPECT_EQ(Boxes()[0], "box Error [stop]: Not enough memory: training stopped at iteration 2.")

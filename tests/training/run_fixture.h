@@ -51,8 +51,10 @@ protected:
         SetNetwork({1.0, 1.0}, {0.1, 0.8, -0.5}, {0.5, 0.7}, {0.4, 1.6});
     }
 
-    // Calls a run function on this thread, as the worker would, with m_bTraining set as Start sets it.
+    // Calls a run function on this thread, as the worker would, with m_bTraining and the token as Start sets
+    // them.
     UINT Run(UINT (*run)(void*)) {
+        m_dlg.m_cancel.Reset();
         m_dlg.m_bTraining = true;
         const UINT result = run(&m_dlg);
         platform::DrainGuiQueue();

@@ -144,8 +144,7 @@ private:
         if (!command.args.empty()) ParseIntToken(command.args[0], seconds);
         if (platform::PumpUntilWorkersDone(seconds * 1000)) return kSessionDone;
         std::cerr << "line " << command.line << ": wait timed out after " << seconds << " s" << std::endl;
-        m_dialog.m_bTraining = false;  // ask the run to stop before leaving, so no worker outlives the window
-        AfxAbandonWorkers();
+        m_dialog.m_cancel.Abandon();  // the run ends before leaving, so no worker outlives the window
         platform::PumpUntilWorkersDone(10000);
         std::cout << std::flush;
         std::_Exit(kSessionTimeout);

@@ -7,6 +7,7 @@
 
 extern "C" __m256d _ZGVdN4v_exp(__m256d x);
 
+namespace engine {
 namespace kernels {
 
 void ExpAvx2(const double* in, double* out, size_t count) {
@@ -16,3 +17,4 @@ void ExpAvx2(const double* in, double* out, size_t count) {
 }
 
 }  // namespace kernels
+}  // namespace engine

@@ -2,8 +2,9 @@
 #include <cmath>
 #include <cstddef>
 
-#include "network/kernels.h"
+#include "engine/kernels.h"
 
+namespace engine {
 namespace kernels {
 
 void ExpAvx2(const double* in, double* out, size_t count);  // vector_exp_avx2.cpp, built for AVX2 and FMA
@@ -30,3 +31,4 @@ void ExpArray(const double* in, double* out, size_t count) {
 }
 
 }  // namespace kernels
+}  // namespace engine

@@ -23,9 +23,10 @@
 #include <thread>
 #include <vector>
 
-#include "network/kernels.h"
-#include "platform/memory.h"
+#include "engine/kernels.h"
+#include "engine/memory.h"
 
+namespace engine {
 namespace kernels {
 
 size_t RowWidth(const CNetworkView& net, UINT nParams) {
@@ -64,7 +65,8 @@ struct CBlockScratch {
 // chosen at run time: with AVX2 where the processor has it, else with the instructions every x86-64 has. Both
 // give the same numbers; only the width of the vectors differs.
 __attribute__((target_clones("avx2", "default")))
-void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch& s, bool rows) {
+void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch& s, bool rows,
+                  const CCancelToken& cancel) {
     const CParamLayout& layout = net.layout;
     const size_t n = layout.nInputs, m = Padded(count);
     for (size_t i = 0; i < n; ++i) {
@@ -77,7 +79,7 @@ void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch
     double *dist = s.dist.data(), *phi = s.phi.data(), *arg = s.arg.data();
     for (UINT h = 0; h < layout.nUnits; ++h) {
         // A block of millions of units takes a while; what an abandoned run leaves here is never used.
-        if ((h & 0xFFFF) == 0xFFFF && AfxWorkAbandoned()) return;
+        if ((h & 0xFFFF) == 0xFFFF && cancel.Abandoned()) return;
         const double* v = net.pInputWeights + h * n;
         const double* c = net.pCenters + h * n;
         const double sh = net.pWidths[h];
@@ -205,9 +207,10 @@ std::vector<CBlockScratch>& ScratchOfHalves() {
 
 // hessian (upper triangle, n x n) = beta * hessian + rows rows^T over count patterns (rows: n x count at
 // stride lanes), in column strips of bounded work.
-void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double beta, double* hessian) {
+void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double beta, double* hessian,
+              const CCancelToken& cancel) {
     const int ld = static_cast<int>(lanes), k = static_cast<int>(count), size = static_cast<int>(n);
-    InStrips(n, 2.0 * count * n, [&](size_t j0, size_t w) {
+    InStrips(n, 2.0 * count * n, cancel, [&](size_t j0, size_t w) {
         const int first = static_cast<int>(j0), width = static_cast<int>(w);
         if (first > 0)
             cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, first, width, k, 1.0, rows, ld, rows + j0 * lanes,
@@ -228,7 +231,7 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
     FillFixedRows(net, rowCount, s);
     for (UINT done = 0; done < count; done += block) {
         const UINT part = std::min(block, count - done);
-        ForwardBlock(net, first + done, part, s, true);
+        ForwardBlock(net, first + done, part, s, true, CCancelToken::Never());
         BlockErrors(net, first + done, part, s);
         for (size_t k = 0; k < rowCount; ++k)
             std::copy(s.rows.data() + k * s.lanes, s.rows.data() + k * s.lanes + part, rows + k * ld + done);
@@ -237,12 +240,12 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
 }
 
 double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hessian, double* gradient,
-                             double* spare) {
+                             double* spare, const CCancelToken& cancel) {
     KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams);
     // The two halves' rows and the second gradient, refused before they are taken when they can't fit.
     const UINT block = BlockPatterns(net.layout);
-    if (!AfxDoublesFit(2.0 * rowCount * Padded(block) + n)) throw std::bad_alloc();
+    if (!DoublesFit(2.0 * rowCount * Padded(block) + n)) throw std::bad_alloc();
     std::vector<CBlockScratch>& halves = ScratchOfHalves();
     std::vector<double> secondGradient(n);
     for (CBlockScratch& s : halves) {
@@ -258,15 +261,16 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
         CBlockScratch& s = halves[part];
         const CHalf half = HalfOf(net.nPatterns, part);
         std::fill(gradients[part], gradients[part] + n, 0.0);
-        for (UINT first = half.first; first < half.end && !AfxWorkAbandoned(); first += block) {
+        for (UINT first = half.first; first < half.end && !cancel.Abandoned(); first += block) {
             const UINT count = std::min(block, half.end - first);
-            ForwardBlock(net, first, count, s, true);
+            ForwardBlock(net, first, count, s, true, cancel);
             sums[part] += BlockErrors(net, first, count, s);
             if (n == 0) continue;
             cblas_dgemv(CblasRowMajor, CblasNoTrans, static_cast<int>(n), static_cast<int>(count), 1.0,
                         s.rows.data(), static_cast<int>(s.lanes), s.e.data(), 1, 1.0, gradients[part], 1);
             // The first block of a half overwrites (beta 0): neither triangle needs clearing beforehand.
-            if (hessian) AddRankK(s.rows.data(), s.lanes, count, n, written[part] ? 1.0 : 0.0, hessians[part]);
+            if (hessian)
+                AddRankK(s.rows.data(), s.lanes, count, n, written[part] ? 1.0 : 0.0, hessians[part], cancel);
             written[part] = true;
         }
     };
@@ -276,7 +280,7 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
         CBlasThreads single(0.0);
         RunHalves(work2 >= kParallelWork && net.nPatterns >= kSplitPatterns, work);
     }
-    AfxThrowIfAbandoned();  // the halves stopped early: what they hold is incomplete
+    cancel.ThrowIfAbandoned();  // the halves stopped early: what they hold is incomplete
 
     for (size_t k = 0; k < n; ++k) gradient[k] += secondGradient[k];
     if (!hessian) return sums[0] + sums[1];
@@ -284,12 +288,12 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
     if (written[1])
         for (size_t i = 0; i < n; ++i)
             for (size_t j = i; j < n; ++j) hessian[i * n + j] += spare[i * n + j];
-    if (written[0]) MirrorUpperToLower(hessian, n);
+    if (written[0]) MirrorUpperToLower(hessian, n, cancel);
     if (spare) std::fill(spare, spare + n * n, 0.0);
     return sums[0] + sums[1];
 }
 
-double SumSquaredErrors(const CNetworkView& net, double* outputs) {
+double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelToken& cancel) {
     std::vector<CBlockScratch>& halves = ScratchOfHalves();
     // The blocks of the accumulation, so that both sum the squares in the same order.
     const UINT block = BlockPatterns(net.layout);
@@ -298,23 +302,23 @@ double SumSquaredErrors(const CNetworkView& net, double* outputs) {
     auto work = [&](int part) {
         CBlockScratch& s = halves[part];
         const CHalf half = HalfOf(net.nPatterns, part);
-        for (UINT first = half.first; first < half.end && !AfxWorkAbandoned(); first += block) {
+        for (UINT first = half.first; first < half.end && !cancel.Abandoned(); first += block) {
             const UINT count = std::min(block, half.end - first);
-            ForwardBlock(net, first, count, s, false);
+            ForwardBlock(net, first, count, s, false, cancel);
             sums[part] += BlockErrors(net, first, count, s);
             if (outputs) std::copy(s.y.data(), s.y.data() + count, outputs + first);
         }
     };
     RunHalves(ForwardWork(net) >= kParallelWork && net.nPatterns >= kSplitPatterns, work);
-    AfxThrowIfAbandoned();
+    cancel.ThrowIfAbandoned();
     return sums[0] + sums[1];
 }
 
-void MirrorUpperToLower(double* a, size_t n) {
+void MirrorUpperToLower(double* a, size_t n, const CCancelToken& cancel) {
     // Tiles keep both the rows written and the columns read within the cache.
     const size_t tile = 64;
     for (size_t ib = 0; ib < n; ib += tile) {
-        AfxThrowIfAbandoned();
+        cancel.ThrowIfAbandoned();
         const size_t iEnd = std::min(ib + tile, n);
         for (size_t jb = 0; jb <= ib; jb += tile) {
             for (size_t i = ib; i < iEnd; ++i) {
@@ -326,3 +330,4 @@ void MirrorUpperToLower(double* a, size_t n) {
 }
 
 }  // namespace kernels
+}  // namespace engine

@@ -1,14 +1,14 @@
-// Recursive blocked LU with implicit scaled partial pivoting, and the inverse from its factors.
+// Recursive blocked LU with implicit scaled partial pivoting, and the solve with its factors.
 #include <cblas.h>
-#include <lapacke.h>
 
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
-#include "network/kernels.h"
-#include "network/matrix.h"
+#include "engine/kernels.h"
+#include "engine/matrix.h"
 
+namespace engine {
 namespace kernels {
 
 namespace {
@@ -21,13 +21,14 @@ struct Factorization {
     int n;
     int* indx;
     std::vector<double> vv;  // 1 / largest magnitude of each row, moved along with the rows
+    const CCancelToken& cancel;
     double* At(int i, int j) const { return a + static_cast<size_t>(i) * n + j; }
 };
 
 // The implicit scaling. NaNs never pass the comparison, so a row of NaNs counts as a zero row.
 void ScaleRows(Factorization& f) {
     for (int i = 0; i < f.n; ++i) {
-        if ((i & 0xFF) == 0) AfxThrowIfAbandoned();
+        if ((i & 0xFF) == 0) f.cancel.ThrowIfAbandoned();
         const double* row = f.At(i, 0);
         double big = 0.0;
         for (int j = 0; j < f.n; ++j) {
@@ -67,7 +68,7 @@ void EliminateColumn(Factorization& f, int k) {
 void FactorNarrowPanel(Factorization& f, int k0, int width) {
     const int end = k0 + width;
     for (int k = k0; k < end; ++k) {
-        AfxThrowIfAbandoned();
+        f.cancel.ThrowIfAbandoned();
         EliminateColumn(f, k);
         const double* pivotRow = f.At(k, 0);
         for (int i = k + 1; i < f.n; ++i) {
@@ -92,36 +93,25 @@ void FactorPanel(Factorization& f, int k0, int width) {
     FactorPanel(f, k0, left);
     const double below = f.n - k1;
     CBlasThreads threads(static_cast<double>(left) * right * (left + 2.0 * below));
-    InStrips(right, double(left) * left, [&](size_t j0, size_t w) {
+    InStrips(right, double(left) * left, f.cancel, [&](size_t j0, size_t w) {
         cblas_dtrsm(CblasRowMajor, CblasLeft, CblasLower, CblasNoTrans, CblasUnit, left, static_cast<int>(w), 1.0,
                     f.At(k0, k0), f.n, f.At(k0, k1 + static_cast<int>(j0)), f.n);
     });
     if (k1 < f.n)
-        InStrips(right, 2.0 * below * left, [&](size_t j0, size_t w) {
+        InStrips(right, 2.0 * below * left, f.cancel, [&](size_t j0, size_t w) {
             const int j = k1 + static_cast<int>(j0);
             cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, f.n - k1, static_cast<int>(w), left, -1.0,
                         f.At(k1, k0), f.n, f.At(k0, j), f.n, 1.0, f.At(k1, j), f.n);
         });
-    AfxThrowIfAbandoned();
+    f.cancel.ThrowIfAbandoned();
     FactorPanel(f, k1, right);
-}
-
-// Column swaps of the row pivots, last step first, done row by row to stay within the cache: turns
-// U^-1 L^-1 into U^-1 L^-1 P, the inverse of the matrix that P A = L U describes.
-void SwapColumnsBack(double* a, int n, const int* indx) {
-    for (int i = 0; i < n; ++i) {
-        if ((i & 0xFF) == 0) AfxThrowIfAbandoned();
-        double* row = a + static_cast<size_t>(i) * n;
-        for (int k = n - 1; k >= 0; --k)
-            if (indx[k] != k) std::swap(row[k], row[indx[k]]);
-    }
 }
 
 }  // namespace
 
-void FactorLU(double* a, int n, int* indx) {
+void FactorLU(double* a, int n, int* indx, const CCancelToken& cancel) {
     if (n <= 0) return;
-    Factorization f{a, n, indx, std::vector<double>(n)};
+    Factorization f{a, n, indx, std::vector<double>(n), cancel};
     ScaleRows(f);
     FactorPanel(f, 0, n);
 }
@@ -136,25 +126,5 @@ void SolveWithFactors(const double* lu, int n, const int* indx, const double* b,
     cblas_dtrsv(CblasRowMajor, CblasUpper, CblasNoTrans, CblasNonUnit, n, lu, n, x, 1);
 }
 
-void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse) {
-    if (n <= 0) return;
-    // inverse = L: the multipliers, a unit diagonal and zeros above it.
-    for (int i = 0; i < n; ++i) {
-        const double* from = lu + static_cast<size_t>(i) * n;
-        double* row = inverse + static_cast<size_t>(i) * n;
-        std::copy(from, from + i, row);
-        row[i] = 1.0;
-        std::fill(row + i + 1, row + n, 0.0);
-    }
-    // L^-1 in place. A row-major lower triangle is a column-major upper one, and the inverse of the
-    // transpose is the transpose of the inverse, so LAPACK's column-major routine serves without copying.
-    // With a unit diagonal it never meets a zero pivot, and the _work form skips LAPACKE's scan for NaNs:
-    // a NaN matrix inverts to NaNs like any other.
-    CBlasThreads threads(4.0 / 3.0 * n * n * n);
-    LAPACKE_dtrtri_work(LAPACK_COL_MAJOR, 'U', 'U', n, inverse, n);
-    // U^-1 L^-1: each column solved against U, as the plain substitution does it.
-    cblas_dtrsm(CblasRowMajor, CblasLeft, CblasUpper, CblasNoTrans, CblasNonUnit, n, n, 1.0, lu, n, inverse, n);
-    SwapColumnsBack(inverse, n, indx);
-}
-
 }  // namespace kernels
+}  // namespace engine

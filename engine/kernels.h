@@ -9,9 +9,7 @@
 //
 // Factorization: a recursive right-looking LU. Its one-column steps keep the pivot rule of the plain
 // algorithm (implicit scaling, whole-row swaps, indx, the TINY replacement); the updates between them are
-// triangular solves and matrix products on the optimised BLAS. The inverse is formed from the factors by
-// triangular inversion and solves, so that, like the plain column-by-column substitution, it leaves a small
-// residual A * inverse - I.
+// triangular solves and matrix products on the optimised BLAS. A damped step solves with the factors.
 //
 // Results agree with the plain per-pattern loops and the plain decomposition (reference/reference.h) up to
 // rounding, measured normwise; they do not depend on the number of cores.
@@ -20,9 +18,10 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "network/network.h"
-#include "platform/thread.h"
+#include "engine/cancel.h"
+#include "engine/network.h"
 
+namespace engine {
 namespace kernels {
 
 // Work of one strip of a dense product, in floating-point operations: a few hundredths of a second.
@@ -31,13 +30,13 @@ constexpr double kStripWork = 2e8;
 // Calls strip(first, width) for the columns 0 .. cols - 1 of a dense product, in strips of about kStripWork
 // operations each (columnWork per column): one call on a large matrix runs for minutes. An abandoned run's
 // strips stop early, and the product is then incomplete; it may run on a helper thread, so the caller throws
-// (AfxThrowIfAbandoned) once it is back on the worker's own.
+// (cancel.ThrowIfAbandoned) once it is back on the run's own.
 template <class Strip>
-void InStrips(size_t cols, double columnWork, Strip strip) {
+void InStrips(size_t cols, double columnWork, const CCancelToken& cancel, Strip strip) {
     const size_t width = columnWork * cols <= kStripWork
                              ? std::max<size_t>(cols, 1)
                              : std::max<size_t>(1, static_cast<size_t>(kStripWork / std::max(columnWork, 1.0)));
-    for (size_t first = 0; first < cols && !AfxWorkAbandoned(); first += width)
+    for (size_t first = 0; first < cols && !cancel.Abandoned(); first += width)
         strip(first, std::min(width, cols - first));
 }
 
@@ -62,11 +61,13 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
 // of J[i] * J[j], both triangles; every element of hessian is written, so it needs no clearing beforehand.
 // spare (nParams x nParams, needed with hessian) holds the second half's sum on the way and is left all 0.0.
 // Returns the sum of e * e over the patterns, the same value as SumSquaredErrors on the same network.
+// Throws CCancelled when cancel is abandoned on the way (gradient and hessian are then incomplete), and
+// std::bad_alloc when its scratch does not fit in memory.
 double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hessian, double* gradient,
-                             double* spare);
+                             double* spare, const CCancelToken& cancel);
 
 // Sum over the patterns of (output - target) squared; with outputs not null each output is stored there.
-double SumSquaredErrors(const CNetworkView& net, double* outputs);
+double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelToken& cancel);
 
 // exp of count values (in and out may be the same array), by vector instructions where the processor has them.
 void ExpArray(const double* in, double* out, size_t count);
@@ -99,18 +100,16 @@ private:
 };
 
 // Copies the upper triangle of the n x n row-major matrix a onto its lower triangle.
-void MirrorUpperToLower(double* a, size_t n);
+void MirrorUpperToLower(double* a, size_t n, const CCancelToken& cancel);
 
 // LU decomposition of the n x n row-major matrix a in place, with indx as LUdcmp fills it. Raises
-// CSingularMatrixException (matrix.h), a untouched, when a row has no element of non-zero magnitude.
-void FactorLU(double* a, int n, int* indx);
+// CSingularMatrixException (matrix.h), a untouched, when a row has no element of non-zero magnitude, and
+// CCancelled when cancel is abandoned on the way.
+void FactorLU(double* a, int n, int* indx, const CCancelToken& cancel);
 
 // The solution x of A x = b for the matrix A whose factors FactorLU left in lu: the row swaps of indx in
 // their order, then the two triangular solves, as the plain substitution does for one right-hand side.
 void SolveWithFactors(const double* lu, int n, const int* indx, const double* b, double* x);
 
-// The inverse of the matrix whose factors FactorLU left in lu, written to inverse (n x n, row-major):
-// U^-1 L^-1 P, by a triangular inversion of L and a triangular solve with U on the optimised BLAS.
-void InvertFromFactors(const double* lu, int n, const int* indx, double* inverse);
-
 }  // namespace kernels
+}  // namespace engine

@@ -1,4 +1,4 @@
-#include "platform/memory.h"
+#include "engine/memory.h"
 
 #include <sys/resource.h>
 #include <unistd.h>
@@ -7,6 +7,7 @@
 #include <fstream>
 #include <string>
 
+namespace engine {
 namespace {
 
 constexpr unsigned long long kNoLimit = ~0ull;
@@ -72,18 +73,20 @@ unsigned long long UsableMemoryNow() {
 
 }  // namespace
 
-unsigned long long AfxUsableMemory() {
+unsigned long long UsableMemory() {
     // The machine and its limits stay as they are while the program runs: asked once.
     static const unsigned long long usable = UsableMemoryNow();
     return usable;
 }
 
-bool AfxMemoryFits(double bytes) {
+bool MemoryFits(double bytes) {
     if (!(bytes >= 0)) return false;
     // A block this small can't be what exhausts the memory, and a run asks for its scratch blocks at every
     // iteration: the process's own size is read only for larger ones.
     constexpr double kSmallBlock = 16.0 * 1024 * 1024;
-    const double usable = static_cast<double>(AfxUsableMemory());
+    const double usable = static_cast<double>(UsableMemory());
     if (bytes <= kSmallBlock) return bytes <= usable;
     return bytes + static_cast<double>(ResidentBytes()) <= usable;
 }
+
+}  // namespace engine

@@ -11,8 +11,9 @@
 #include <mutex>
 #include <thread>
 
-#include "network/kernels.h"
+#include "engine/kernels.h"
 
+namespace engine {
 namespace kernels {
 
 namespace {
@@ -68,3 +69,4 @@ CBlasThreads::CBlasThreads(double flops) : m_previous(openblas_get_num_threads()
 CBlasThreads::~CBlasThreads() { openblas_set_num_threads(m_previous); }
 
 }  // namespace kernels
+}  // namespace engine

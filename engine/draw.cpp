@@ -1,0 +1,129 @@
+// The draw of a new network from the initialization settings.
+#include "engine/draw.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace engine {
+
+CSeededRand::CSeededRand(unsigned seed) { std::srand(seed); }
+
+int CSeededRand::Next() { return std::rand(); }
+
+namespace {
+
+struct CDraw {
+    const CPatterns& patterns;
+    const CNetwork& net;
+    const CNetwork& initial;
+    CRandomSource& random;
+    const CCancelToken& cancel;
+
+    // One of 10000 evenly spaced values from a up to, but never reaching, b.
+    double Between(double a, double b) {
+        const int r = random.Next() % 10000;
+        const double f = r * 0.0001;
+        return (b - a) * f + a;
+    }
+
+    UINT Pattern() { return static_cast<UINT>(random.Next()) % patterns.nPatterns; }
+
+    void SetCenter(size_t at, double v) {
+        net.pCenters[at] = v;
+        initial.pCenters[at] = v;
+    }
+
+    void CopyRow(UINT unit, UINT pattern) {
+        const size_t n = net.nInputs;
+        const double* row = patterns.pInputs + pattern * n;
+        for (size_t d = 0; d < n; ++d) SetCenter(unit * n + d, row[d]);
+    }
+};
+
+// Fills count elements of a group and its initial copy: drawn in [min, max) in random mode, else fixed. A
+// fixed group consumes no random number.
+void FillGroup(CDraw& draw, double* values, double* initial, size_t count, const CGroupDraw& group) {
+    for (size_t k = 0; k < count; ++k) {
+        const double v = group.mode == kGroupRandom ? draw.Between(group.min, group.max) : group.fixed;
+        values[k] = v;
+        initial[k] = v;
+    }
+}
+
+// Each center element drawn within the range of its input over all patterns.
+void CentersFromInputRange(CDraw& draw) {
+    const UINT n = draw.net.nInputs;
+    const double* inputs = draw.patterns.pInputs;
+    std::vector<double> lo(inputs, inputs + n);
+    std::vector<double> hi(lo);
+    for (UINT p = 0; p < draw.patterns.nPatterns; ++p) {
+        for (UINT d = 0; d < n; ++d) {
+            const double v = inputs[static_cast<size_t>(p) * n + d];
+            if (v > hi[d]) hi[d] = v;
+            if (v < lo[d]) lo[d] = v;
+        }
+    }
+    for (UINT h = 0; h < draw.net.nUnits; ++h)
+        for (UINT d = 0; d < n; ++d) draw.SetCenter(static_cast<size_t>(h) * n + d, draw.Between(lo[d], hi[d]));
+}
+
+// A random pattern row per unit; two units may share one.
+void CentersFromPatterns(CDraw& draw) {
+    for (UINT h = 0; h < draw.net.nUnits; ++h) draw.CopyRow(h, draw.Pattern());
+}
+
+// A random pattern row per unit, each row at most once.
+void CentersFromPatternsUnique(CDraw& draw) {
+    const UINT kNoEntry = 0xFFFFFFFFu;
+    const UINT units = draw.net.nUnits;
+    std::vector<UINT> used(units, kNoEntry);
+    for (UINT h = 0; h < units; ++h) {
+        draw.cancel.ThrowIfAbandoned();  // the search grows with the units already placed
+        UINT q = draw.Pattern();
+        // Once every row is taken, no fresh row exists and the search would never end. The Initialization
+        // dialog refuses more units than patterns in this mode, so this only guards a stale count: the rest
+        // of the units then take rows with repetition.
+        const bool fresh = h < draw.patterns.nPatterns;
+        for (UINT k = 0; fresh && k < units && used[k] != kNoEntry;) {
+            if (used[k] == q) {
+                q = draw.Pattern();
+                k = 0;
+            } else {
+                ++k;
+            }
+        }
+        used[h] = q;
+        draw.CopyRow(h, q);
+    }
+}
+
+}  // namespace
+
+void DrawNetwork(const CInitSettings& settings, const CPatterns& patterns, const CNetwork& net,
+                 const CNetwork& initial, CRandomSource& random, const CCancelToken& cancel) {
+    CDraw draw{patterns, net, initial, random, cancel};
+    const size_t u = net.nUnits;
+    FillGroup(draw, net.pInputWeights, initial.pInputWeights, u * net.nInputs, settings.inputWeights);
+    FillGroup(draw, net.pOutputWeights, initial.pOutputWeights, (u + 1) * net.nOutputs, settings.outputWeights);
+    FillGroup(draw, net.pWidths, initial.pWidths, u, settings.widths);
+
+    // With no pattern there is no row to pick and no range to search: the centers stay at 0.0 and no random
+    // number is taken for them.
+    if (patterns.nPatterns == 0) {
+        const size_t count = u * net.nInputs;
+        if (count > 0) {
+            std::memset(net.pCenters, 0, sizeof(double) * count);
+            std::memset(initial.pCenters, 0, sizeof(double) * count);
+        }
+        return;
+    }
+    if (settings.centerMode == kCentersFromInputRange)
+        CentersFromInputRange(draw);
+    else if (settings.centerMode == kCentersFromPatterns)
+        CentersFromPatterns(draw);
+    else
+        CentersFromPatternsUnique(draw);
+}
+
+}  // namespace engine

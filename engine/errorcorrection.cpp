@@ -1,0 +1,81 @@
+// The Error Correction Algorithm: the network grows by one unit at the pattern of largest error, and after
+// each addition every parameter of every unit is trained by the damped second-order loop.
+#include "engine/runframe.h"
+
+namespace engine {
+namespace {
+
+// Tries are judged by the error that also keeps the outputs, for the next unit's worst pattern.
+constexpr CDampedForm kGrowthForm{false, true};
+
+// Adds a unit and trains the grown network for all iterations; there is no test against the desired error
+// within a unit. false: a stop was asked for.
+bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
+    CTrainee& trainee = run.trainee;
+    run.iteration = 0;
+    run.iterationErrors.clear();
+    trainee.AddUnitAtWorstPattern();
+    run.sink.UnitAdded(trainee.Units());
+    double damping = kInitialDamping;
+    trainee.PackParameters();
+    savedHessian = AllocateSavedHessian(trainee.Step().nParams);  // the vector's length changes only with a unit
+    run.iterationErrors.push_back(trainee.ComputeOutputs());
+    const CRunClock clock;
+
+    for (UINT iteration = 1; iteration <= run.settings.Iterations(); ++iteration) {
+        if (run.cancel.StopRequested()) return false;
+        run.iteration = iteration;
+        const CDampedStep step =
+            DampedIteration(trainee, kGrowthForm, savedHessian.get(), run.iterationErrors.back(), damping, run.cancel);
+        damping = step.damping;
+        run.iterationErrors.push_back(step.error);
+        run.sink.IterationDone(iteration, step.error);
+    }
+
+    const double seconds = clock.Seconds();
+    run.totalTime += seconds;
+    run.sink.TimesDone(seconds, run.totalTime);
+    return true;
+}
+
+// Curves, final error, regions and result block of a finished unit; returns the unit's final error.
+double FinishUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
+    CTrainee& trainee = run.trainee;
+    run.sink.IterationCurve(run.iterationErrors);
+    const double error = trainee.ComputeOutputs();
+    run.sink.TotalError(error);
+    run.sink.NetworkDone();
+
+    savedHessian.reset();
+    run.finalErrors.push_back(error);
+    run.sink.SummaryCurve(run.finalErrors, trainee.Units() / 10 + 1);
+    const UINT iterations = static_cast<UINT>(run.iterationErrors.size() - 1);  // all of the iterations
+    if (run.settings.SaveResults()) run.sink.ResultBlock(trainee.Units(), iterations, error);
+    return error;
+}
+
+}  // namespace
+
+CRunOutcome RunErrorCorrection(CTrainee& trainee, const CRunSettings& settings, CProgressSink& sink,
+                               const CCancelToken& cancel, bool online) {
+    CRunState run(trainee, settings, sink, cancel);
+    std::unique_ptr<double[]> savedHessian;
+    try {
+        const CRunOutcome begun = BeginRun(run);
+        if (begun.ending != RunEnding::Normal) return begun;
+        // Online, the units already trained stay; their outputs decide where the first new unit goes.
+        if (!online) trainee.ResetNetwork();
+        else trainee.ComputeOutputs();
+        for (UINT k = 0; k < settings.MaxUnits(); ++k) {
+            if (!TrainNewUnit(run, savedHessian)) return Ended(RunEnding::Stopped);
+            const double error = FinishUnit(run, savedHessian);
+            if (!(error >= settings.DesiredError())) break;  // below the goal, or NaN
+        }
+    } catch (...) {
+        // A NaN network meets the singular-matrix exception at its next solve: the network stays as it is.
+        return FailureOutcome(run);
+    }
+    return Ended(RunEnding::Normal);
+}
+
+}  // namespace engine

@@ -1,0 +1,77 @@
+// The runs of the five algorithms and their iteration steps, on a trainee (trainee.h), reading settings and
+// reporting to a progress sink (settings.h), stopped by a cancel token (cancel.h).
+//
+// A run never throws: whatever ends it is told in its outcome. The trainee's network stays as the run left
+// it, also after a stop or a failure; a run abandoned through its token reports nothing more once abandoned.
+#pragma once
+
+#include <memory>
+#include <new>
+#include <string>
+
+#include "engine/cancel.h"
+#include "engine/settings.h"
+#include "engine/trainee.h"
+
+namespace engine {
+
+enum class RunEnding {
+    Normal,     // all trials or units done, or the goal reached
+    Stopped,    // the token asked for a stop; the trials or units that had ended are kept
+    Failed,     // message says why (no patterns, no result file, memory, a singular matrix)
+    Abandoned,  // the token was abandoned: the iteration under way was dropped
+};
+
+struct CRunOutcome {
+    RunEnding ending = RunEnding::Normal;
+    std::string message;  // Failed only
+};
+
+// The four algorithms of a fixed number of units: trials, each from a new draw (or, loading from a file, from
+// the network as it stands), iterations until the error falls below the desired one or they run out.
+CRunOutcome RunFixedSize(CTrainee& trainee, const CRunSettings& settings, CProgressSink& sink,
+                         const CCancelToken& cancel);
+
+// The Error Correction Algorithm: from no units (online: from the trained network, whose outputs decide where
+// the first new unit goes) a unit at a time at the worst pattern, each trained for all iterations, until
+// MaxUnits are added or the error falls below the desired one.
+CRunOutcome RunErrorCorrection(CTrainee& trainee, const CRunSettings& settings, CProgressSink& sink,
+                               const CCancelToken& cancel, bool online);
+
+// ---- the steps ------------------------------------------------------------------------------------------------
+
+// The first-order update: params[i] += -(1 - M) * L * gradient[i] + M * delta[i], and delta[i] becomes the
+// change just made.
+void ApplyFirstOrderStep(const CStepArrays& step, double learningConstant, double momentum);
+
+// The damping of the second-order step and of the Error Correction Algorithm.
+constexpr double kInitialDamping = 0.01;
+constexpr double kDampingCeiling = 1e+20;  // a failed try raises the value only while it is below this
+constexpr double kDampingFloor = 1e-20;    // a successful try lowers it only while it is above this
+constexpr int kMaxTries = 6;
+
+// How a damped iteration accumulates and judges its tries.
+struct CDampedForm {
+    bool improved = false;     // the Jacobian carries the input weights
+    bool keepOutputs = false;  // tries judged by ComputeOutputs (Error Correction), else ComputeError
+};
+
+struct CDampedStep {
+    double error = 0.0;    // the error of the last try: the iteration's error
+    double damping = 0.0;  // the damping value that the next iteration starts from
+    int tries = 0;         // tries made, 1 to kMaxTries
+};
+
+// One iteration of the damped Gauss-Newton step: accumulates once, saves the parameters (in the step's delta)
+// and the quasi-Hessian (in savedHessian, nParams x nParams), then tries up to kMaxTries damping values until a
+// try's error is not greater than or equal to previousError (a NaN counts as smaller). Nothing is rolled back
+// after the last failure.
+CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* savedHessian, double previousError,
+                            double damping, const CCancelToken& cancel);
+
+// The saved quasi-Hessian of the damped methods; throws CQuasiHessianTooLarge when three n x n blocks would
+// not fit, so that the message can tell it from other memory that ran out.
+class CQuasiHessianTooLarge : public std::bad_alloc {};
+std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams);
+
+}  // namespace engine

@@ -1,0 +1,65 @@
+// The iteration steps: the first-order update and the damped try loop of the second-order methods and of the
+// Error Correction Algorithm.
+#include <cstring>
+#include <vector>
+
+#include "engine/memory.h"
+#include "engine/runs.h"
+
+namespace engine {
+
+void ApplyFirstOrderStep(const CStepArrays& step, double learningConstant, double momentum) {
+    const double L = learningConstant;
+    const double M = momentum;
+    for (UINT i = 0; i < step.nParams; ++i) {
+        const double old = step.pParams[i];
+        step.pParams[i] = old - (1 - M) * step.pGradient[i] * L + M * step.pDelta[i];
+        step.pDelta[i] = step.pParams[i] - old;
+    }
+}
+
+CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* savedHessian, double previousError,
+                            double damping, const CCancelToken& cancel) {
+    trainee.Accumulate(form.improved, true);  // once per iteration: every try steps from the same sums
+    const CStepArrays s = trainee.Step();
+    const size_t n = s.nParams;
+    std::memcpy(s.pDelta, s.pParams, n * sizeof(double));
+    std::memcpy(savedHessian, s.pHessian, n * n * sizeof(double));
+
+    std::vector<double> step(n);
+    CDampedStep result{0.0, damping, 0};
+    while (result.tries < kMaxTries) {
+        cancel.ThrowIfAbandoned();
+        ++result.tries;
+        // The solve destroys the quasi-Hessian, so each try starts again from the saved copy.
+        std::memcpy(s.pHessian, savedHessian, n * n * sizeof(double));
+        for (size_t d = 0; d < n; ++d) s.pHessian[d * n + d] += result.damping;
+        // The step is the damped matrix's inverse applied to the gradient; a solve with the factors gives it
+        // at a third of the cost of forming the inverse.
+        trainee.SolveHessian(step.data());
+        for (size_t r = 0; r < n; ++r) s.pParams[r] = s.pDelta[r] - step[r];
+        trainee.UnpackParameters();
+        result.error = form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
+        // Smaller, or NaN: success. An equal error is a failure.
+        if (!(result.error >= previousError)) {
+            if (result.damping > kDampingFloor) result.damping *= 0.1;
+            break;
+        }
+        if (result.damping < kDampingCeiling) result.damping *= 10.0;
+    }
+    return result;
+}
+
+std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams) {
+    const double n = nParams;
+    // Three n x n blocks live during a damped trial: this one, the quasi-Hessian and its spare. What can't fit
+    // is refused here, before any is taken, where the run can still say why.
+    if (!DoublesFit(3.0 * n * n)) throw CQuasiHessianTooLarge();
+    try {
+        return std::unique_ptr<double[]>(new double[size_t(nParams) * nParams]);
+    } catch (const std::bad_alloc&) {
+        throw CQuasiHessianTooLarge();
+    }
+}
+
+}  // namespace engine
