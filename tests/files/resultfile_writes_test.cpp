@@ -4,7 +4,7 @@
 
 #include <sys/resource.h>
 
-#include "files/initialization.h"
+#include "shell/initialization.h"
 #include "files/resultfiles.h"
 #include "support/main_dialog.h"
 

@@ -1,6 +1,6 @@
 // Initialization: how the network begins, drawn by the dialog's settings or read from a parameter file, and the
 // settings summary of the information list.
-#include "files/initialization.h"
+#include "shell/initialization.h"
 
 #include <new>
 #include <string>
