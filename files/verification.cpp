@@ -1,4 +1,4 @@
-// The patterns of a verification, their rows of text, and the loop that writes them.
+// The two output files of a verification, its patterns, their rows of text, and the loop that writes them.
 #include "files/verification.h"
 
 #include <cstdio>
@@ -6,10 +6,37 @@
 #include <utility>
 
 #include "files/datafile.h"
+#include "files/resultfiles.h"
 #include "network/network.h"
 #include "platform/files.h"
 #include "platform/memory.h"
 #include "workspace/workspace.h"
+
+namespace {
+
+// Creates an empty file, or empties the one there; false when it can't.
+bool CreateEmpty(const CString& path) {
+    CFile file;
+    if (!file.Open(path, CFile::modeCreate)) return false;
+    file.Close();
+    return true;
+}
+
+}  // namespace
+
+int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
+    const CString directory = ExecutableDirectory();
+    if (!CreateStampedFile("output.txt", *stampedPath)) {
+        MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
+        return 0;
+    }
+    *outputPath = directory + "output.txt";
+    if (!CreateEmpty(*outputPath)) {
+        MessageBox("Create Result File Failed (output.txt)!", "Error", MB_ICONHAND);
+        return 0;
+    }
+    return 1;
+}
 
 double CGridAxis::At(UINT n) const {
     // One point has no step: (max - min) / 0 would make it NaN. A user who asks for one point expects the

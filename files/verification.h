@@ -1,5 +1,6 @@
 // Verification: a trained network run over a set of patterns, one row of text a pattern, each row written to
-// two files as soon as it is made. The pieces here need no window; OnVerification and its dialogs build on them.
+// two files as soon as it is made. The two files are made by the workspace's CreateOutputFile (verification.cpp);
+// the other pieces here need no window. OnVerification and its dialogs build on them.
 #pragma once
 
 #include <cstddef>

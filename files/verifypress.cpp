@@ -15,14 +15,6 @@ namespace {
 
 void ShowError(CVantrelDlg& dlg, const char* text) { dlg.MessageBox(text, "Error", MB_ICONHAND); }
 
-// Creates an empty file, or empties the one there; false when it can't.
-bool CreateEmpty(const CString& path) {
-    CFile file;
-    if (!file.Open(path, CFile::modeCreate)) return false;
-    file.Close();
-    return true;
-}
-
 bool TrainingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
     const std::size_t count = dlg.m_nPatterns;
     const std::size_t inputs = count * dlg.m_nInputs;
@@ -107,20 +99,6 @@ bool BuildPatternSet(CVantrelDlg& dlg, CPatternSet& set) {
 }
 
 }  // namespace
-
-int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
-    const CString directory = ExecutableDirectory();
-    if (!CreateStampedFile("output.txt", *stampedPath)) {
-        MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
-        return 0;
-    }
-    *outputPath = directory + "output.txt";
-    if (!CreateEmpty(*outputPath)) {
-        MessageBox("Create Result File Failed (output.txt)!", "Error", MB_ICONHAND);
-        return 0;
-    }
-    return 1;
-}
 
 void CVantrelDlg::OnVerification() {
     CString stampedPath;
