@@ -217,24 +217,3 @@ TEST_F(VerificationTest, NetworkOfOtherInputsIsRefusedBeforeAnyRow) {
     m_dlg.OnVerification();
     EXPECT_EQ(PressedRows(), "");
 }
-
-TEST(FileWrites, SeekToEndWritesReachTheFileInOrder) {
-    const TempFolder folder;
-    const std::string path = folder.Path() + "/appends.txt";
-    CFile file;
-    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate));
-    std::string expected;
-    for (int k = 0; k < 3000; ++k) {
-        EXPECT_EQ(file.Seek(0, CFile::end), static_cast<long long>(expected.size())) << "writes not yet stored count";
-        file.Write("abc", 3);
-        expected += "abc";
-    }
-    file.Seek(0, CFile::begin);
-    file.Write("A", 1);  // a write elsewhere, then the end again
-    expected[0] = 'A';
-    EXPECT_EQ(file.Seek(0, CFile::end), static_cast<long long>(expected.size()));
-    file.Write("!", 1);
-    file.Close();
-    std::ifstream in(path, std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), expected + "!");
-}
