@@ -1,7 +1,11 @@
 // The data set file and every file of patterns: the shape of a text and its rows.
 #include "files/datafile.h"
 
+#include <climits>
+#include <new>
+
 #include "files/scanner.h"
+#include "platform/memory.h"
 
 CDataSetShape MeasureDataSet(std::string_view text) {
     CDataSetShape shape;
@@ -34,4 +38,24 @@ std::size_t ReadPatternRows(std::string_view text, UINT nInputs, double* inputs,
         }
     }
     return i + t;
+}
+
+bool ReadPatterns(std::string_view text, CPatternRows& rows) {
+    rows = CPatternRows();
+    rows.shape = MeasureDataSet(text);
+    const std::size_t n = rows.shape.columns > 0 ? rows.shape.columns - 1 : 0;
+    const std::size_t patterns = rows.shape.patterns;
+    if (n > UINT_MAX || !AfxDoublesFit(double(patterns) * (double(n) + 1))) return false;
+    rows.nInputs = static_cast<UINT>(n);
+    try {
+        rows.inputs.assign(patterns * n, 0.0);
+        rows.targets.assign(patterns, 0.0);
+    } catch (const std::bad_alloc&) {
+        rows.inputs = std::vector<double>();
+        rows.targets = std::vector<double>();
+        return false;
+    }
+    rows.values = ReadPatternRows(text, rows.nInputs, rows.inputs.data(), rows.inputs.size(), rows.targets.data(),
+                                  rows.targets.size());
+    return true;
 }

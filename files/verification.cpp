@@ -2,14 +2,11 @@
 #include "files/verification.h"
 
 #include <cstdio>
-#include <new>
 #include <utility>
 
-#include "files/datafile.h"
 #include "files/resultfiles.h"
 #include "network/network.h"
 #include "platform/files.h"
-#include "platform/memory.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -69,15 +66,6 @@ double CPatternSet::Pattern(std::size_t p, double* x) const {
     const double* from = m_inputs.data() + p * m_nInputs;
     for (UINT i = 0; i < m_nInputs; ++i) x[i] = from[i];
     return m_nOutputs > 0 ? m_targets[p * m_nOutputs] : 0.0;
-}
-
-CPatternSet ReadTestingPatterns(std::string_view text, std::size_t rows, UINT nInputs, UINT nOutputs) {
-    if (!AfxDoublesFit(double(rows) * (double(nInputs) + nOutputs))) throw std::bad_alloc();
-    // Value-initialized: the elements that short rows leave unreached read as 0.0, never as stale memory.
-    std::vector<double> inputs(rows * nInputs);
-    std::vector<double> targets(rows * nOutputs);
-    ReadPatternRows(text, nInputs, inputs.data(), inputs.size(), targets.data(), targets.size());
-    return CPatternSet(nInputs, nOutputs, rows, std::move(inputs), std::move(targets));
 }
 
 void AppendRow(std::string& row, const double* inputs, UINT nInputs, double target, double y) {

@@ -1,4 +1,5 @@
 // Load Data: the data set file into m_pInputs and m_pTargets, and the Data Set Information dialog.
+#include <algorithm>
 #include <climits>
 #include <new>
 #include <string>
@@ -49,18 +50,21 @@ void CVantrelDlg::OnLoadData() {
         return;
     }
 
-    // The old set goes before the new one is measured, so that memory holds one data set at a time.
+    // The old set goes before the new one is read, so that memory holds one data set at a time; the text goes
+    // once its rows are read.
     ReleaseBlocks(*this, {Block::Inputs, Block::Targets});
+    CPatternRows rows;
+    const bool fits = ReadPatterns(text, rows);
+    std::string().swap(text);
 
-    const CDataSetShape shape = MeasureDataSet(text);
-    if (shape.patterns > UINT_MAX || shape.columns > UINT_MAX) {
+    if (rows.shape.patterns > UINT_MAX || rows.shape.columns > UINT_MAX) {
         MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
         m_bDataLoaded = false;
         return;
     }
-    m_nPatterns = static_cast<UINT>(shape.patterns);
+    m_nPatterns = static_cast<UINT>(rows.shape.patterns);
     m_nOutputs = 1;
-    m_nInputs = shape.columns > 0 ? static_cast<UINT>(shape.columns - 1) : 0;
+    m_nInputs = rows.shape.columns > 0 ? static_cast<UINT>(rows.shape.columns - 1) : 0;
 
     m_dlgDataSetInfo.m_nInputs = m_nInputs;
     m_dlgDataSetInfo.m_nOutputs = m_nOutputs;
@@ -68,7 +72,7 @@ void CVantrelDlg::OnLoadData() {
     m_dlgDataSetInfo.DoModal();  // however it ends, the load goes on
     m_bClassification = m_nInputs == 2 && m_dlgDataSetInfo.m_nDataSetType == 0;
 
-    if (!AllocatePatternArrays(*this)) {
+    if (!fits || !AllocatePatternArrays(*this)) {
         // Nothing was loaded: the counts go back to those of no data, so that no loop walks the missing arrays.
         m_nPatterns = 0;
         m_nInputs = 0;
@@ -77,11 +81,9 @@ void CVantrelDlg::OnLoadData() {
         m_bDataLoaded = false;
         return;
     }
-
-    const std::size_t inputRoom = BlockSize(Block::Inputs, CountsOf(*this));
-    const std::size_t targetRoom = BlockSize(Block::Targets, CountsOf(*this));
-    const std::size_t values = ReadPatternRows(text, m_nInputs, m_pInputs, inputRoom, m_pTargets, targetRoom);
-    if (values != inputRoom + targetRoom) {
+    std::copy(rows.inputs.begin(), rows.inputs.end(), m_pInputs);
+    std::copy(rows.targets.begin(), rows.targets.end(), m_pTargets);
+    if (rows.values != rows.inputs.size() + rows.targets.size()) {
         MessageBox("Data file is incompleted!", "Error", MB_ICONHAND);
         m_bDataLoaded = false;
         return;

@@ -1,8 +1,7 @@
 // Verification: the press of its button. Both output files are made first, then the pattern set of the chosen
 // path, then one row per pattern into both; the timestamped file is opened on the desktop at the end.
-#include <cstring>
-#include <new>
 #include <string>
+#include <utility>
 
 #include "files/datafile.h"
 #include "files/resultfiles.h"
@@ -37,17 +36,17 @@ bool TestingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
         ShowError(dlg, kDataSetTooLarge);
         return false;
     }
-    const CDataSetShape shape = MeasureDataSet(text);
-    if (shape.columns != static_cast<std::size_t>(dlg.m_nInputs) + dlg.m_nOutputs) {
+    CPatternRows rows;
+    const bool fits = ReadPatterns(text, rows);
+    if (rows.shape.columns != static_cast<std::size_t>(dlg.m_nInputs) + dlg.m_nOutputs) {
         ShowError(dlg, "Training Data does not match the testing data!");
         return false;
     }
-    try {
-        set = ReadTestingPatterns(text, shape.patterns, dlg.m_nInputs, dlg.m_nOutputs);
-    } catch (const std::bad_alloc&) {
+    if (!fits) {
         ShowError(dlg, kDataSetTooLarge);
         return false;
     }
+    set = CPatternSet(rows.nInputs, 1, rows.shape.patterns, std::move(rows.inputs), std::move(rows.targets));
     return true;
 }
 
