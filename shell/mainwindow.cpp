@@ -112,7 +112,7 @@ BOOL CVantrelDlg::OnInitDialog() {
     GetDlgItem(IDC_VERIFICATION)->EnableWindow(FALSE);
     GetDlgItem(IDC_ONLINE_TRAINING)->EnableWindow(FALSE);
 
-    m_nGeneralization = 0;
+    m_nGeneralization = GeneralizationTrainingPatterns;
     GetDlgItem(IDC_CREATE_1D_PATTERNS)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
     GetDlgItem(IDC_CREATE_2D_PATTERNS)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
     GetDlgItem(IDC_TRAINING_PATTERNS)->SendMessage(BM_SETCHECK, BST_CHECKED);

@@ -89,10 +89,10 @@ bool NetworkFitsInputs(CVantrelDlg& dlg) {
 // The pattern set of the chosen path; false when the press ends here, after the path's own message if any.
 bool BuildPatternSet(CVantrelDlg& dlg, CPatternSet& set) {
     switch (dlg.m_nGeneralization) {
-        case 0: return TrainingPatterns(dlg, set);
-        case 1: return TestingPatterns(dlg, set);
-        case 2: return Grid1D(dlg, set);
-        case 3: return Grid2D(dlg, set);
+        case GeneralizationTrainingPatterns: return TrainingPatterns(dlg, set);
+        case GeneralizationTestingPatterns: return TestingPatterns(dlg, set);
+        case GeneralizationCreate1D: return Grid1D(dlg, set);
+        case GeneralizationCreate2D: return Grid2D(dlg, set);
         default: return false;
     }
 }

@@ -105,7 +105,7 @@ public:
     int m_bSaveResults = 0;
     CString m_strInfoEntry;
     int m_nCurveMode = 0;
-    int m_nGeneralization = 0;
+    int m_nGeneralization = GeneralizationTrainingPatterns;
     HICON m_hIcon = IDI_PROGRAM;
 
     // ---- network model (network/) -----------------------------------------------------------------------------
