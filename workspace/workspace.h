@@ -2,8 +2,8 @@
 // the training scratch arrays, every setting, the control wrappers, the three plots and the ten dialogs.
 //
 // Fields stand in their declared order. Member functions are defined in the folder of the subsystem they
-// belong to: network/ (model, derivatives, draw, inversion), training/ (runs), files/ (data, initialization,
-// parameter and result files), shell/ (main window handlers).
+// belong to: network/ (model, derivatives, draw, inversion), training/ (runs), files/ (result and output
+// files), shell/ (main window handlers: load, initialization, verification and the rest).
 #pragma once
 
 #include <atomic>
@@ -137,16 +137,16 @@ public:
     int LoadOnlineData(CString* path);
 
     // ---- files (files/) -----------------------------------------------------------------------------------------
-    void OnLoadData();
-    void OnInitialization();
-    void ShowSettings();
     int CreateResultFile(CString* path);
     void WriteRunResults(CString* path, UINT units, UINT iterations, double error);
     void WriteErrCorResults(CString* path, UINT units, UINT iterations, double error);
     int CreateOutputFile(CString* stampedPath, CString* outputPath);
-    void OnVerification();
 
     // ---- main window (shell/) ------------------------------------------------------------------------------------
+    void OnLoadData();
+    void OnInitialization();
+    void ShowSettings();
+    void OnVerification();
     BOOL OnInitDialog() override;
     void AppendInfo(CString strLine);
     void ClearInfo();
