@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 #include "platform/types.h"
 
@@ -27,3 +28,18 @@ CDataSetShape MeasureDataSet(std::string_view text);
 // values read, stored or not.
 std::size_t ReadPatternRows(std::string_view text, UINT nInputs, double* inputs, std::size_t inputRoom,
                             double* targets, std::size_t targetRoom);
+
+// The patterns of a text as the number-row scanner reads them.
+struct CPatternRows {
+    CDataSetShape shape;
+    UINT nInputs = 0;             // tokens of the first row less one; 0 for a text without rows
+    std::vector<double> inputs;   // shape.patterns x nInputs
+    std::vector<double> targets;  // shape.patterns desired outputs
+    std::size_t values = 0;       // values read, stored or not: (nInputs + 1) x shape.patterns for a whole file
+};
+
+// The one reader of files of patterns: the data set, the testing file of Verification and the new data of
+// online training. Measures text and reads every row as ReadPatternRows does, the last token of a row being its
+// desired output; what short rows leave unreached stays 0.0. False when blocks of that shape don't fit in
+// memory: rows then holds the shape and no value, and the caller says so where its own messages have it.
+bool ReadPatterns(std::string_view text, CPatternRows& rows);

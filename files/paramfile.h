@@ -9,8 +9,6 @@
 
 #include "platform/types.h"
 
-class CVantrelDlg;
-
 struct CNetworkParameters {
     UINT units = 0;
     std::vector<double> inputWeights;
@@ -24,8 +22,3 @@ enum class ParamFileStatus { Ok, NoInputs, UnitsMismatch };
 // Reads the four rows of text for a data set of nInputs inputs. The counts are the only test: UnitsMismatch
 // when a row's count disagrees with u, or when row 1 isn't a whole number of units.
 ParamFileStatus ParseParameterText(std::string_view text, UINT nInputs, CNetworkParameters& params);
-
-// The Load From File path of OnInitialization: asks for the file, reads it and replaces the network arrays.
-// True when the network was read; otherwise it has shown its message and set m_bNetworkReady as the case
-// asks.
-bool LoadParameterFile(CVantrelDlg& dlg);

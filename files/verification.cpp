@@ -1,15 +1,39 @@
-// The patterns of a verification, their rows of text, and the loop that writes them.
+// The two output files of a verification, its patterns, their rows of text, and the loop that writes them.
 #include "files/verification.h"
 
 #include <cstdio>
-#include <new>
 #include <utility>
 
-#include "files/datafile.h"
+#include "files/resultfiles.h"
 #include "workspace/network.h"
 #include "platform/files.h"
-#include "platform/memory.h"
 #include "workspace/workspace.h"
+
+namespace {
+
+// Creates an empty file, or empties the one there; false when it can't.
+bool CreateEmpty(const CString& path) {
+    CFile file;
+    if (!file.Open(path, CFile::modeCreate)) return false;
+    file.Close();
+    return true;
+}
+
+}  // namespace
+
+int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
+    const CString directory = ExecutableDirectory();
+    if (!CreateStampedFile("output.txt", *stampedPath)) {
+        MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
+        return 0;
+    }
+    *outputPath = directory + "output.txt";
+    if (!CreateEmpty(*outputPath)) {
+        MessageBox("Create Result File Failed (output.txt)!", "Error", MB_ICONHAND);
+        return 0;
+    }
+    return 1;
+}
 
 double CGridAxis::At(UINT n) const {
     // One point has no step: (max - min) / 0 would make it NaN. A user who asks for one point expects the
@@ -42,15 +66,6 @@ double CPatternSet::Pattern(std::size_t p, double* x) const {
     const double* from = m_inputs.data() + p * m_nInputs;
     for (UINT i = 0; i < m_nInputs; ++i) x[i] = from[i];
     return m_nOutputs > 0 ? m_targets[p * m_nOutputs] : 0.0;
-}
-
-CPatternSet ReadTestingPatterns(std::string_view text, std::size_t rows, UINT nInputs, UINT nOutputs) {
-    if (!AfxDoublesFit(double(rows) * (double(nInputs) + nOutputs))) throw std::bad_alloc();
-    // Value-initialized: the elements that short rows leave unreached read as 0.0, never as stale memory.
-    std::vector<double> inputs(rows * nInputs);
-    std::vector<double> targets(rows * nOutputs);
-    ReadPatternRows(text, nInputs, inputs.data(), inputs.size(), targets.data(), targets.size());
-    return CPatternSet(nInputs, nOutputs, rows, std::move(inputs), std::move(targets));
 }
 
 void AppendRow(std::string& row, const double* inputs, UINT nInputs, double target, double y) {

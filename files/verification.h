@@ -1,10 +1,10 @@
 // Verification: a trained network run over a set of patterns, one row of text a pattern, each row written to
-// two files as soon as it is made. The pieces here need no window; OnVerification and its dialogs build on them.
+// two files as soon as it is made. The two files are made by the workspace's CreateOutputFile (verification.cpp);
+// the other pieces here need no window. OnVerification and its dialogs build on them.
 #pragma once
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "platform/types.h"
@@ -50,11 +50,6 @@ private:
     CGridAxis m_x;
     CGridAxis m_y;
 };
-
-// The rows of a testing file whose first row has nInputs + nOutputs values. Every row goes into the blocks
-// in reading order; what a short row leaves unreached stays 0.0 and a long row's surplus is dropped.
-// Throws std::bad_alloc when the blocks do not fit in memory.
-CPatternSet ReadTestingPatterns(std::string_view text, std::size_t rows, UINT nInputs, UINT nOutputs);
 
 // Appends one row: the inputs, the desired output, y and desired output minus y, each as "%.6f\t", then CR LF.
 void AppendRow(std::string& row, const double* inputs, UINT nInputs, double target, double y);

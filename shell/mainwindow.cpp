@@ -112,7 +112,7 @@ BOOL CVantrelDlg::OnInitDialog() {
     GetDlgItem(IDC_VERIFICATION)->EnableWindow(FALSE);
     GetDlgItem(IDC_ONLINE_TRAINING)->EnableWindow(FALSE);
 
-    m_nGeneralization = 0;
+    m_nGeneralization = GeneralizationTrainingPatterns;
     GetDlgItem(IDC_CREATE_1D_PATTERNS)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
     GetDlgItem(IDC_CREATE_2D_PATTERNS)->SendMessage(BM_SETCHECK, BST_UNCHECKED);
     GetDlgItem(IDC_TRAINING_PATTERNS)->SendMessage(BM_SETCHECK, BST_CHECKED);
@@ -139,7 +139,7 @@ void CVantrelDlg::OnSelchangeAlgorithm() {
 }
 
 void CVantrelDlg::ApplyAlgorithmRules() {
-    const bool growing = m_nAlgorithm == 2;
+    const bool growing = m_nAlgorithm == engine::kErrorCorrection;
     GetDlgItem(IDC_TOTAL_ERROR_LABEL)->SetWindowText(growing ? "Current Total Error:" : "Current Average Error:");
     GetDlgItem(IDC_TOTAL_TIME_LABEL)->SetWindowText(growing ? "Current Total Time(s)" : "Current Average Time(s)");
     if (growing) {
@@ -160,7 +160,7 @@ void CVantrelDlg::ApplyAlgorithmRules() {
         GetDlgItem(IDC_ONLINE_TRAINING)->EnableWindow(FALSE);
     }
     // The default depends on the algorithm alone and replaces what the user had typed.
-    m_nIterations = (m_nAlgorithm == 3 || m_nAlgorithm == 4) ? 100000 : 200;
+    m_nIterations = (m_nAlgorithm == engine::kFirstOrder || m_nAlgorithm == engine::kImprovedFirstOrder) ? 100000 : 200;
     UpdateData(FALSE);
 }
 

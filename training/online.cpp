@@ -1,6 +1,7 @@
 // Online training: a network that the Error Correction Algorithm has grown is extended by the next run, with
 // new patterns merged behind the old ones and with extra units. This file arms that run; the run itself is
 // TrainByErrorCorrection with m_bOnline set.
+#include <algorithm>
 #include <climits>
 #include <new>
 #include <string>
@@ -89,30 +90,32 @@ int CVantrelDlg::LoadOnlineData(CString* path) {
                    MB_ICONHAND);
         return 0;
     }
-    const CDataSetShape shape = MeasureDataSet(text);
-    if (shape.columns != std::size_t(m_nInputs) + 1) {
+    CPatternRows rows;
+    const bool fits = ReadPatterns(text, rows);
+    std::string().swap(text);
+    if (rows.shape.columns != std::size_t(m_nInputs) + 1) {
         MessageBox("New Data Does Not Match Old Data!", "Error", MB_ICONHAND);
         return 0;
     }
-    if (shape.patterns > UINT_MAX - m_nPatterns) {
+    if (!fits || rows.shape.patterns > UINT_MAX - m_nPatterns) {
         MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
         return 0;
     }
     // The network fits the data set (checked before), so m_pOutputs has a row for each old pattern.
-    const std::size_t oldPatterns = m_nPatterns, rows = shape.patterns, n = m_nInputs, outputs = m_nOutputs;
+    const std::size_t oldPatterns = m_nPatterns, n = m_nInputs, outputs = m_nOutputs;
     CBlockCounts counts = CountsOf(*this);
-    counts.patterns = oldPatterns + rows;
+    counts.patterns = oldPatterns + rows.shape.patterns;
     try {
-        // Rows shorter than the first leave the last elements of the new rows unreached: they keep the 0.0
-        // that a grown block starts with, as a token without a number reads. Longer rows are read only as far
-        // as the blocks reach.
         GrowBlocks(*this, {Block::Inputs, Block::Targets, Block::Outputs}, counts);
     } catch (const std::bad_alloc&) {
         MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
         return 0;
     }
-    ReadPatternRows(text, m_nInputs, m_pInputs + oldPatterns * n, rows * n, m_pTargets + oldPatterns * outputs,
-                    rows * outputs);
+    // Rows shorter than the first leave the last elements of the new rows at the 0.0 that the reader starts
+    // them with, as a token without a number reads; longer rows were read only as far as the rows reach.
+    const std::size_t targetRoom = std::min(rows.targets.size(), rows.shape.patterns * outputs);
+    std::copy(rows.inputs.begin(), rows.inputs.end(), m_pInputs + oldPatterns * n);
+    std::copy(rows.targets.begin(), rows.targets.begin() + targetRoom, m_pTargets + oldPatterns * outputs);
     m_nPatterns = static_cast<UINT>(counts.patterns);
     m_nNetworkPatterns = m_nPatterns;
     return 1;

@@ -1,6 +1,7 @@
 // The ten dialogs that the workspace keeps as members, so that what a user typed stays from one opening to
-// the next. Their handlers are defined with the subsystem they serve: files/ (data set, initialization,
-// verification), shell/ (plot ranges), training/ (online training).
+// the next, and the choices that the main dialog's radio groups hold. The dialogs' handlers are defined with
+// the handlers they serve: shell/ (data set, initialization, verification, plot ranges), training/ (online
+// training).
 #pragma once
 
 #include "platform/window.h"
@@ -121,6 +122,15 @@ public:
 
 protected:
     void DoDataExchange(CDataExchange* dx) override;
+};
+
+// The pattern set of a verification, as the Generalization Setting radios choose it. Int-backed and unscoped,
+// so that m_nGeneralization stays the int that radio data exchange works on.
+enum Generalization : int {
+    GeneralizationTrainingPatterns = 0,  // 1056 "Training Patterns": the workspace's patterns
+    GeneralizationTestingPatterns = 1,   // 1057 "Testing Patterns": a file chosen at each press
+    GeneralizationCreate1D = 2,          // 1059 "Create 1-D Patterns": the grid of m_dlgTest1D
+    GeneralizationCreate2D = 3,          // 1058 "Create 2-D Patterns": the grid of m_dlgTest2D
 };
 
 class CTest1DDlg : public CDialog {

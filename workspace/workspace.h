@@ -4,7 +4,7 @@
 // Fields stand in their declared order. The network members (model, derivatives, draw, decomposition) are
 // thin, in workspace/numerics.cpp: they size the workspace's blocks and hand them to the engine (engine/).
 // The other members are defined in the folder of the subsystem they belong to: training/ (runs), files/
-// (data, initialization, parameter and result files), shell/ (main window handlers).
+// (result and output files), shell/ (main window handlers: load, initialization, verification and the rest).
 #pragma once
 
 #include <atomic>
@@ -111,7 +111,7 @@ public:
     int m_bSaveResults = 0;
     CString m_strInfoEntry;
     int m_nCurveMode = 0;
-    int m_nGeneralization = 0;
+    int m_nGeneralization = GeneralizationTrainingPatterns;
     HICON m_hIcon = IDI_PROGRAM;
 
     // ---- network model (workspace/numerics.cpp, on the engine) ---------------------------------------------------
@@ -142,16 +142,16 @@ public:
     int LoadOnlineData(CString* path);
 
     // ---- files (files/) -----------------------------------------------------------------------------------------
-    void OnLoadData();
-    void OnInitialization();
-    void ShowSettings();
     int CreateResultFile(CString* path);
     void WriteRunResults(CString* path, UINT units, UINT iterations, double error);
     void WriteErrCorResults(CString* path, UINT units, UINT iterations, double error);
     int CreateOutputFile(CString* stampedPath, CString* outputPath);
-    void OnVerification();
 
     // ---- main window (shell/) ------------------------------------------------------------------------------------
+    void OnLoadData();
+    void OnInitialization();
+    void ShowSettings();
+    void OnVerification();
     BOOL OnInitDialog() override;
     void AppendInfo(CString strLine);
     void ClearInfo();

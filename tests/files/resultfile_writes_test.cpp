@@ -1,11 +1,13 @@
-// Result files on disk where the runs do not reach: a name made again within its second, and a block that
-// cannot be written.
+// Result and output files on disk where the runs do not reach: a name made again within its second, a block
+// that cannot be written, and appends with a seek to the end.
 #include <ctime>
+#include <fstream>
 
 #include <sys/resource.h>
 
-#include "files/initialization.h"
 #include "files/resultfiles.h"
+#include "platform/files.h"
+#include "shell/initialization.h"
 #include "support/main_dialog.h"
 
 namespace {
@@ -67,3 +69,24 @@ TEST_F(ResultFileTest, ABlockThatCannotBeWrittenIsReportedAndCreatesNothing) {
 }
 
 }  // namespace
+
+TEST(FileWrites, SeekToEndWritesReachTheFileInOrder) {
+    const TempFolder folder;
+    const std::string path = folder.Path() + "/appends.txt";
+    CFile file;
+    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate));
+    std::string expected;
+    for (int k = 0; k < 3000; ++k) {
+        EXPECT_EQ(file.Seek(0, CFile::end), static_cast<long long>(expected.size())) << "writes not yet stored count";
+        file.Write("abc", 3);
+        expected += "abc";
+    }
+    file.Seek(0, CFile::begin);
+    file.Write("A", 1);  // a write elsewhere, then the end again
+    expected[0] = 'A';
+    EXPECT_EQ(file.Seek(0, CFile::end), static_cast<long long>(expected.size()));
+    file.Write("!", 1);
+    file.Close();
+    std::ifstream in(path, std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), expected + "!");
+}

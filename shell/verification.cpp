@@ -1,8 +1,7 @@
 // Verification: the press of its button. Both output files are made first, then the pattern set of the chosen
 // path, then one row per pattern into both; the timestamped file is opened on the desktop at the end.
-#include <cstring>
-#include <new>
 #include <string>
+#include <utility>
 
 #include "files/datafile.h"
 #include "files/resultfiles.h"
@@ -14,14 +13,6 @@
 namespace {
 
 void ShowError(CVantrelDlg& dlg, const char* text) { dlg.MessageBox(text, "Error", MB_ICONHAND); }
-
-// Creates an empty file, or empties the one there; false when it can't.
-bool CreateEmpty(const CString& path) {
-    CFile file;
-    if (!file.Open(path, CFile::modeCreate)) return false;
-    file.Close();
-    return true;
-}
 
 bool TrainingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
     const std::size_t count = dlg.m_nPatterns;
@@ -45,17 +36,17 @@ bool TestingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
         ShowError(dlg, kDataSetTooLarge);
         return false;
     }
-    const CDataSetShape shape = MeasureDataSet(text);
-    if (shape.columns != static_cast<std::size_t>(dlg.m_nInputs) + dlg.m_nOutputs) {
+    CPatternRows rows;
+    const bool fits = ReadPatterns(text, rows);
+    if (rows.shape.columns != static_cast<std::size_t>(dlg.m_nInputs) + dlg.m_nOutputs) {
         ShowError(dlg, "Training Data does not match the testing data!");
         return false;
     }
-    try {
-        set = ReadTestingPatterns(text, shape.patterns, dlg.m_nInputs, dlg.m_nOutputs);
-    } catch (const std::bad_alloc&) {
+    if (!fits) {
         ShowError(dlg, kDataSetTooLarge);
         return false;
     }
+    set = CPatternSet(rows.nInputs, 1, rows.shape.patterns, std::move(rows.inputs), std::move(rows.targets));
     return true;
 }
 
@@ -98,29 +89,15 @@ bool NetworkFitsInputs(CVantrelDlg& dlg) {
 // The pattern set of the chosen path; false when the press ends here, after the path's own message if any.
 bool BuildPatternSet(CVantrelDlg& dlg, CPatternSet& set) {
     switch (dlg.m_nGeneralization) {
-        case 0: return TrainingPatterns(dlg, set);
-        case 1: return TestingPatterns(dlg, set);
-        case 2: return Grid1D(dlg, set);
-        case 3: return Grid2D(dlg, set);
+        case GeneralizationTrainingPatterns: return TrainingPatterns(dlg, set);
+        case GeneralizationTestingPatterns: return TestingPatterns(dlg, set);
+        case GeneralizationCreate1D: return Grid1D(dlg, set);
+        case GeneralizationCreate2D: return Grid2D(dlg, set);
         default: return false;
     }
 }
 
 }  // namespace
-
-int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
-    const CString directory = ExecutableDirectory();
-    if (!CreateStampedFile("output.txt", *stampedPath)) {
-        MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
-        return 0;
-    }
-    *outputPath = directory + "output.txt";
-    if (!CreateEmpty(*outputPath)) {
-        MessageBox("Create Result File Failed (output.txt)!", "Error", MB_ICONHAND);
-        return 0;
-    }
-    return 1;
-}
 
 void CVantrelDlg::OnVerification() {
     CString stampedPath;

@@ -61,21 +61,21 @@ void CheckOnly(CVantrelDlg& dlg, const CButton& chosen) {
 }  // namespace
 
 void CVantrelDlg::OnTrainingPatterns() {
-    m_nGeneralization = 0;
+    m_nGeneralization = GeneralizationTrainingPatterns;
     CheckOnly(*this, m_btnTrainingPatterns);
 }
 
 void CVantrelDlg::OnTestingPatterns() {
-    m_nGeneralization = 1;
+    m_nGeneralization = GeneralizationTestingPatterns;
     CheckOnly(*this, m_btnTestingPatterns);
 }
 
 void CVantrelDlg::OnCreate1DPatterns() {
-    m_nGeneralization = 2;
+    m_nGeneralization = GeneralizationCreate1D;
     CheckOnly(*this, m_btnCreate1D);
 }
 
 void CVantrelDlg::OnCreate2DPatterns() {
-    m_nGeneralization = 3;
+    m_nGeneralization = GeneralizationCreate2D;
     CheckOnly(*this, m_btnCreate2D);
 }

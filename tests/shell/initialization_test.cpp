@@ -5,8 +5,8 @@
 #include <new>
 
 #include "platform/dialogwindow.h"
-#include "files/initialization.h"
 #include "platform/memory.h"
+#include "shell/initialization.h"
 #include "support/main_dialog.h"
 
 namespace {

@@ -1,10 +1,12 @@
-// Initialization: how the network begins (the manual path; the parameter file path is paramfile.cpp) and the
+// Initialization: how the network begins, drawn by the dialog's settings or read from a parameter file, and the
 // settings summary of the information list.
-#include "files/initialization.h"
+#include "shell/initialization.h"
 
 #include <new>
+#include <string>
 
 #include "files/paramfile.h"
+#include "files/scanner.h"
 #include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
@@ -117,13 +119,62 @@ void CVantrelDlg::ShowSettings() {
     for (const CString& line : SettingsLines(*this)) AppendInfo(line);
 }
 
+namespace {
+
+void CopyValues(const std::vector<double>& values, double* working, double* initial) {
+    for (std::size_t k = 0; k < values.size(); ++k) {
+        working[k] = values[k];
+        initial[k] = values[k];
+    }
+}
+
+// The Load From File path: asks for the file, reads it and replaces the network arrays. True when the network
+// was read; otherwise it has shown its message and set m_bNetworkReady as the case asks.
+bool LoadParameterFile(CVantrelDlg& dlg) {
+    if (dlg.m_nInputs == 0) {  // a data set without inputs is never loaded; this guards the division
+        dlg.MessageBox("Number of Inputs Should Be Larger Than Zero", "Error", MB_ICONHAND);
+        return false;
+    }
+    CFileDialog fileDlg(TRUE, "txt", nullptr, 6, "Initial files (*.ini)|*.ini|");
+    if (fileDlg.DoModal() != IDOK) {
+        dlg.m_bNetworkReady = false;
+        return false;
+    }
+    std::string text;
+    const ReadTextResult read = ReadScanText(fileDlg.GetPathName(), text);
+    if (read != ReadTextResult::Ok) {
+        dlg.MessageBox(read == ReadTextResult::CannotOpen ? "Sorry, Cannot Open File!"
+                                                          : "Parameter file is too large to load!",
+                       "Error", MB_ICONHAND);
+        dlg.m_bNetworkReady = false;
+        return false;
+    }
+
+    CNetworkParameters params;
+    if (ParseParameterText(text, dlg.m_nInputs, params) != ParamFileStatus::Ok) {
+        dlg.MessageBox("Number of RBF units does not match!", "Error", MB_ICONHAND);
+        return false;
+    }
+    if (!ReplaceNetworkArrays(dlg, params.units)) {
+        dlg.m_bNetworkReady = false;
+        return false;
+    }
+    CopyValues(params.inputWeights, dlg.m_pInputWeights, dlg.m_pInitInputWeights);
+    CopyValues(params.outputWeights, dlg.m_pOutputWeights, dlg.m_pInitOutputWeights);
+    CopyValues(params.centers, dlg.m_pCenters, dlg.m_pInitCenters);
+    CopyValues(params.widths, dlg.m_pWidths, dlg.m_pInitWidths);
+    return true;
+}
+
+}  // namespace
+
 void CVantrelDlg::OnInitialization() {
     UpdateData(TRUE);
     if (!m_bDataLoaded) {
         MessageBox("Please Load Data Set !", "Error", MB_ICONHAND);
         return;
     }
-    if (m_nAlgorithm == 2) {
+    if (m_nAlgorithm == engine::kErrorCorrection) {
         if (m_dlgErrCorInit.DoModal() != IDOK) {
             m_bNetworkReady = false;
             return;

@@ -83,7 +83,7 @@ protected:
 
 TEST_F(VerificationTest, GeneratedGridsRunFromMinimumToMaximumWithYAndItsNegative) {
     Workspace(1, 0, 1.0);
-    m_dlg.m_nGeneralization = 2;
+    m_dlg.m_nGeneralization = GeneralizationCreate1D;
     const auto grid1D = [&](const char* max, const char* points) {
         m_prompts.QueueDialog(CTest1DDlg::IDD,
                             {Set(IDC_1D_MINIMUM_VALUE, "0"), Set(IDC_1D_MAXIMUM_VALUE, max),
@@ -100,7 +100,7 @@ TEST_F(VerificationTest, GeneratedGridsRunFromMinimumToMaximumWithYAndItsNegativ
 
     EmptyDirectory();
     Workspace(2, 0, 0.25);
-    m_dlg.m_nGeneralization = 3;
+    m_dlg.m_nGeneralization = GeneralizationCreate2D;
     m_prompts.QueueDialog(CTest2DDlg::IDD,
                         {Set(IDC_X_MINIMUM_VALUE, "0"), Set(IDC_X_MAXIMUM_VALUE, "1"), Set(IDC_X_NUMBER_OF_POINTS, "2"),
                          Set(IDC_Y_MINIMUM_VALUE, "-1"), Set(IDC_Y_MAXIMUM_VALUE, "1"),
@@ -123,7 +123,7 @@ TEST_F(VerificationTest, TrainingAndTestingPatternsGiveOneRowEachInReadingOrder)
     // Testing rows shorter or longer than the first stay inside the blocks: values fall in reading order, what
     // a short row leaves unreached reads 0, and what finds no room is dropped.
     Workspace(1, 0, 1.0);
-    m_dlg.m_nGeneralization = 1;
+    m_dlg.m_nGeneralization = GeneralizationTestingPatterns;
     const std::string first = "1.000000\t2.000000\t1.000000\t1.000000\t\r\n";
     for (const auto& [text, second] :
          {std::pair{"1 2\r\n3\r\n", "3.000000\t0.000000\t1.000000\t-1.000000\t\r\n"},
@@ -155,19 +155,19 @@ TEST_F(VerificationTest, TwoPressesInDifferentSecondsLeaveTwoStampedFiles) {
 TEST_F(VerificationTest, EachRefusalLeavesBothFilesEmptyAndOpensNothing) {
     Workspace(1, 0, 1.0, {0.0, 0.0});
     std::ofstream(m_dir + "/output.txt") << "rows of an earlier press";
-    m_dlg.m_nGeneralization = 3;
+    m_dlg.m_nGeneralization = GeneralizationCreate2D;
     m_dlg.OnVerification();
     Workspace(2, 0, 1.0, {0.0, 0.0});
-    m_dlg.m_nGeneralization = 2;
+    m_dlg.m_nGeneralization = GeneralizationCreate1D;
     m_dlg.OnVerification();
-    m_dlg.m_nGeneralization = 1;
+    m_dlg.m_nGeneralization = GeneralizationTestingPatterns;
     m_prompts.QueueFile("", true, "cancel");
     m_dlg.OnVerification();
     m_prompts.QueueFile(m_dir + "/missing.txt", false, "missing");
     m_dlg.OnVerification();
     m_prompts.QueueFile(m_inputs.Write("wide.txt", "1 2 3 4\r\n"), false, "wide");
     m_dlg.OnVerification();
-    m_dlg.m_nGeneralization = 3;
+    m_dlg.m_nGeneralization = GeneralizationCreate2D;
     m_prompts.QueueDialog(CTest2DDlg::IDD, {Cancel()}, "cancel 2-D");
     m_dlg.OnVerification();
     ExpectEndedEarly({Box("This Testing is only for 2-D inputs"), Box("This Testing is only for 1-D inputs"),
@@ -216,25 +216,4 @@ TEST_F(VerificationTest, NetworkOfOtherInputsIsRefusedBeforeAnyRow) {
     m_dlg.m_nPatterns = 0;
     m_dlg.OnVerification();
     EXPECT_EQ(PressedRows(), "");
-}
-
-TEST(FileWrites, SeekToEndWritesReachTheFileInOrder) {
-    const TempFolder folder;
-    const std::string path = folder.Path() + "/appends.txt";
-    CFile file;
-    ASSERT_TRUE(file.Open(path.c_str(), CFile::modeCreate));
-    std::string expected;
-    for (int k = 0; k < 3000; ++k) {
-        EXPECT_EQ(file.Seek(0, CFile::end), static_cast<long long>(expected.size())) << "writes not yet stored count";
-        file.Write("abc", 3);
-        expected += "abc";
-    }
-    file.Seek(0, CFile::begin);
-    file.Write("A", 1);  // a write elsewhere, then the end again
-    expected[0] = 'A';
-    EXPECT_EQ(file.Seek(0, CFile::end), static_cast<long long>(expected.size()));
-    file.Write("!", 1);
-    file.Close();
-    std::ifstream in(path, std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), expected + "!");
 }

@@ -2,7 +2,7 @@
 // Algorithm's dialog (the largest number of units).
 #include "workspace/dialogs.h"
 
-#include "files/initialization.h"
+#include "shell/initialization.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
-// Network initialization: the pieces of OnInitialization that stand on their own, for the parameter file path
-// and for tests.
+// Network initialization: the pieces of OnInitialization that stand on their own, for the Initialization
+// dialog's OK, the Load From File path and tests.
 #pragma once
 
 #include <vector>
