@@ -12,6 +12,7 @@ constexpr CDampedForm kGrowthForm{false, true};
 // within a unit. false: a stop was asked for.
 bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
     CTrainee& trainee = run.trainee;
+    run.cancel.ThrowIfAbandoned();  // an abandoned run reports no further unit
     run.iteration = 0;
     run.iterationErrors.clear();
     trainee.AddUnitAtWorstPattern();
