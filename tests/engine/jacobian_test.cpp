@@ -1,151 +1,110 @@
-// The four accumulators: every Jacobian form against central differences of e, the fixed cases, and the
-// blocked kernel against the plain per-pattern loops.
+// The accumulators: every Jacobian form against central differences of e, the fixed cases, and the blocked
+// kernel against the plain per-pattern loops, on one core and on all.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <limits>
 #include <vector>
 
-#include "network/kernels.h"
-#include "network/network.h"
-#include "reference/reference.h"
+#include "engine/kernels.h"
 #include "network_test_support.h"
-#include "workspace/workspace.h"
+#include "reference/reference.h"
 
 namespace {
 
-struct Form {
-    const char* name;
-    void (CVantrelDlg::*accumulate)();
-    bool improved;
-    bool secondOrder;
-};
-
-const Form kForms[] = {
-    {"AccumulateSecondOrder", &CVantrelDlg::AccumulateSecondOrder, false, true},
-    {"AccumulateImprovedSecondOrder", &CVantrelDlg::AccumulateImprovedSecondOrder, true, true},
-    {"AccumulateGradient", &CVantrelDlg::AccumulateGradient, false, false},
-    {"AccumulateImprovedGradient", &CVantrelDlg::AccumulateImprovedGradient, true, false},
-};
+using engine::CCancelToken;
+using engine::UINT;
+namespace kernels = engine::kernels;
 
 // Rows of d e_p / d param_k by central differences: jac[p * n + k].
-std::vector<double> NumericJacobian(CVantrelDlg& dlg) {
-    const UINT n = dlg.m_nParams, P = dlg.m_nPatterns;
+std::vector<double> NumericJacobian(CSample& s) {
+    engine::CNetworkBuffers& b = s.buffers;
+    const UINT n = s.Step().nParams, P = b.Patterns();
+    double* params = s.Step().pParams;
     std::vector<double> jac(static_cast<size_t>(P) * n), plus(P);
     for (UINT k = 0; k < n; ++k) {
-        const double saved = dlg.m_pParams[k];
+        const double saved = params[k];
         const double step = 1e-6 * std::fmax(1.0, std::fabs(saved));
-        dlg.m_pParams[k] = saved + step;
-        dlg.UnpackParameters();
-        dlg.ComputeOutputs();
-        for (UINT p = 0; p < P; ++p) plus[p] = dlg.m_pTargets[p] - dlg.m_pOutputs[p];
-        dlg.m_pParams[k] = saved - step;
-        dlg.UnpackParameters();
-        dlg.ComputeOutputs();
+        params[k] = saved + step;
+        b.UnpackParameters();
+        b.ComputeOutputs();
+        for (UINT p = 0; p < P; ++p) plus[p] = s.Targets()[p] - b.Outputs()[p];
+        params[k] = saved - step;
+        b.UnpackParameters();
+        b.ComputeOutputs();
         for (UINT p = 0; p < P; ++p)
-            jac[static_cast<size_t>(p) * n + k] = (plus[p] - (dlg.m_pTargets[p] - dlg.m_pOutputs[p])) / (2 * step);
-        dlg.m_pParams[k] = saved;
+            jac[static_cast<size_t>(p) * n + k] = (plus[p] - (s.Targets()[p] - b.Outputs()[p])) / (2 * step);
+        params[k] = saved;
     }
-    dlg.UnpackParameters();
-    dlg.ComputeOutputs();
+    b.UnpackParameters();
+    b.ComputeOutputs();
     return jac;
 }
 
 }  // namespace
 
 TEST(Accumulators, EveryFormMatchesCentralDifferencesOfTheError) {
-    for (const Form& form : kForms) {
-        CVantrelDlg dlg;
-        MakeSample(dlg, {6, 3, 4, form.improved ? 1 : 0, 11});
-        const UINT n = dlg.m_nParams, P = dlg.m_nPatterns;
-        const std::vector<double> jac = NumericJacobian(dlg);
-        (dlg.*form.accumulate)();
-        for (UINT i = 0; i < n; ++i) {
-            double g = 0.0;
-            for (UINT p = 0; p < P; ++p) g += (dlg.m_pTargets[p] - dlg.m_pOutputs[p]) * jac[p * n + i];
-            EXPECT_NEAR(dlg.m_pGradient[i], g, 1e-7) << form.name << " gradient " << i;
-            if (!form.secondOrder) continue;
-            for (UINT j = 0; j < n; ++j) {
-                double h = 0.0;
-                for (UINT p = 0; p < P; ++p) h += jac[p * n + i] * jac[p * n + j];
-                EXPECT_NEAR(dlg.m_pHessian[i * n + j], h, 1e-7) << form.name << " quasi-Hessian " << i << "," << j;
+    for (bool improved : {false, true})
+        for (bool secondOrder : {true, false}) {
+            CSample s({6, 3, 4, improved ? 1 : 0, 11});
+            const UINT n = s.Step().nParams, P = s.buffers.Patterns();
+            const std::vector<double> jac = NumericJacobian(s);
+            s.buffers.Accumulate(improved, secondOrder);
+            const engine::CStepArrays a = s.Step();
+            const char* form = improved ? (secondOrder ? "improved second order" : "improved gradient")
+                                        : (secondOrder ? "second order" : "gradient");
+            for (UINT i = 0; i < n; ++i) {
+                double g = 0.0;
+                for (UINT p = 0; p < P; ++p) g += (s.Targets()[p] - s.buffers.Outputs()[p]) * jac[p * n + i];
+                EXPECT_NEAR(a.pGradient[i], g, 1e-7) << form << " gradient " << i;
+                for (UINT j = 0; secondOrder && j < n; ++j) {
+                    double h = 0.0;
+                    for (UINT p = 0; p < P; ++p) h += jac[p * n + i] * jac[p * n + j];
+                    EXPECT_NEAR(a.pHessian[i * n + j], h, 1e-7) << form << " quasi-Hessian " << i << "," << j;
+                }
             }
         }
-    }
 }
 
 TEST(Accumulators, NoUnitsGiveMinusSumOfErrorsAndPatternCount) {
-    CVantrelDlg dlg;
-    MakeSample(dlg, {5, 2, 0, 0, 4});
-    ASSERT_EQ(dlg.m_nParams, 1u);
-    dlg.AccumulateSecondOrder();
+    CSample s({5, 2, 0, 0, 4});
+    ASSERT_EQ(s.Step().nParams, 1u);
+    s.buffers.Accumulate(false, true);
     double sum = 0.0;
-    for (int p = 0; p < 5; ++p) sum += dlg.m_pTargets[p] - dlg.m_pOutputWeights[0];
-    EXPECT_NEAR(dlg.m_pGradient[0], -sum, 1e-14);
-    EXPECT_EQ(dlg.m_pHessian[0], 5.0);
-    EXPECT_EQ(dlg.m_pHessianInv[0], 0.0);
+    for (int p = 0; p < 5; ++p) sum += s.Targets()[p] - s.Net().pOutputWeights[0];
+    EXPECT_NEAR(s.Step().pGradient[0], -sum, 1e-14);
+    EXPECT_EQ(s.Step().pHessian[0], 5.0);
 }
 
-TEST(Accumulators, QuasiHessianIsSymmetricWithNonNegativeDiagonalAndInverseCleared) {
-    CVantrelDlg dlg;
-    MakeSample(dlg, {kernels::kSplitPatterns + 9, 2, 7, 1, 5});
-    dlg.AccumulateImprovedSecondOrder();
-    const UINT n = dlg.m_nParams;
+TEST(Accumulators, QuasiHessianIsSymmetricWithNonNegativeDiagonal) {
+    CSample s({kernels::kSplitPatterns + 9, 2, 7, 1, 5});
+    s.buffers.Accumulate(true, true);
+    const engine::CStepArrays a = s.Step();
+    const UINT n = a.nParams;
     for (UINT i = 0; i < n; ++i) {
-        EXPECT_GE(dlg.m_pHessian[i * n + i], 0.0) << "diagonal " << i;
-        for (UINT j = 0; j < n; ++j) {
-            ASSERT_EQ(dlg.m_pHessian[i * n + j], dlg.m_pHessian[j * n + i]) << i << "," << j;
-            ASSERT_EQ(dlg.m_pHessianInv[i * n + j], 0.0) << i << "," << j;
-        }
+        EXPECT_GE(a.pHessian[i * n + i], 0.0) << "diagonal " << i;
+        for (UINT j = 0; j < n; ++j)
+            ASSERT_EQ(a.pHessian[i * n + j], a.pHessian[j * n + i]) << "not symmetric at " << i << "," << j;
     }
-}
-
-TEST(Accumulators, InputWeightEntryIsCenterEntryTimesMinusInputWhenWeightsAreOne) {
-    CVantrelDlg dlg;
-    MakeSample(dlg, {1, 3, 1, 1, 6});
-    for (int i = 0; i < 3; ++i) dlg.m_pInputWeights[i] = 1.0;
-    dlg.PackParameters();
-    dlg.AccumulateImprovedGradient();
-    const CParamLayout layout = LayoutOf(dlg);
-    for (UINT i = 0; i < 3; ++i)
-        EXPECT_NEAR(dlg.m_pGradient[layout.InputWeights() + i],
-                    -dlg.m_pInputs[i] * dlg.m_pGradient[layout.Centers() + i], 1e-15)
-            << "input " << i;
-}
-
-TEST(Accumulators, FirstOrderFormsLeaveQuasiHessianAndInverseAlone) {
-    CVantrelDlg dlg;
-    MakeSample(dlg, {4, 2, 3, 0, 8});
-    dlg.AccumulateGradient();
-    EXPECT_EQ(dlg.m_pHessian, nullptr);
-    EXPECT_EQ(dlg.m_pHessianInv, nullptr);
-    dlg.AccumulateSecondOrder();
-    const double* hessian = dlg.m_pHessian;
-    const double first = hessian[0];
-    dlg.m_nAlgorithm = 4;
-    dlg.PackParameters();
-    dlg.AccumulateImprovedGradient();
-    EXPECT_EQ(dlg.m_pHessian, hessian);
-    EXPECT_EQ(dlg.m_pHessian[0], first);
 }
 
 TEST(Accumulators, BlockedKernelAgreesWithPlainLoopsAcrossRowBlocks) {
     // Two halves from kSplitPatterns on; 4103 gives each half two blocks of at most 2048.
     for (UINT patterns : {0u, 1u, kernels::kSplitPatterns - 1, kernels::kSplitPatterns, 4103u}) {
         for (bool improved : {false, true}) {
-            CVantrelDlg dlg;
-            MakeSample(dlg, {patterns, 2, 9, improved ? 4 : 3, patterns + 1});
-            const CNetworkView view = ViewOf(dlg, improved);
-            const size_t n = dlg.m_nParams;
+            CSample s({patterns, 2, 9, improved ? 4 : 3, patterns + 1});
+            const engine::CNetworkView view = s.View(improved);
+            const UINT nParams = s.Step().nParams;
+            const size_t n = nParams;
             // The kernel must write every element: start from NaNs where it would otherwise find garbage.
             std::vector<double> fast(n * n, std::numeric_limits<double>::quiet_NaN()), fastGradient(n);
             std::vector<double> spare(n * n, std::numeric_limits<double>::quiet_NaN());
             std::vector<double> plain(n * n), plainGradient(n);
-            const double squares = kernels::AccumulateDerivatives(view, dlg.m_nParams, fast.data(),
-                                                                  fastGradient.data(), spare.data());
-            EXPECT_EQ(squares, kernels::SumSquaredErrors(view, nullptr)) << "P=" << patterns;
+            const double squares = kernels::AccumulateDerivatives(view, nParams, fast.data(), fastGradient.data(),
+                                                                  spare.data(), CCancelToken::Never());
+            EXPECT_EQ(squares, kernels::SumSquaredErrors(view, nullptr, CCancelToken::Never())) << "P=" << patterns;
             for (size_t k = 0; k < n * n; ++k) ASSERT_EQ(spare[k], 0.0) << "spare storage left uncleared at " << k;
-            reference::Accumulate(view, dlg.m_nParams, plain.data(), plainGradient.data());
+            reference::Accumulate(view, nParams, plain.data(), plainGradient.data());
             const char* form = improved ? "improved" : "plain";
             if (patterns == 0) {
                 for (size_t k = 0; k < n * n; ++k) ASSERT_EQ(fast[k], 0.0) << form << " element " << k;
@@ -153,27 +112,35 @@ TEST(Accumulators, BlockedKernelAgreesWithPlainLoopsAcrossRowBlocks) {
             }
             EXPECT_LT(RelativeDifference(fast.data(), plain.data(), n * n), 1e-13) << form << " P=" << patterns;
             EXPECT_LT(RelativeDifference(fastGradient.data(), plainGradient.data(), n), 1e-13)
-                << form << " P=" << patterns;
+                << form << " gradient P=" << patterns;
         }
     }
 }
 
+TEST(Accumulators, StaleParameterCountNeverWritesOutsideItsRow) {
+    // A count of another layout is the caller's fault; the rows still fit every entry of their form.
+    CSample s({3, 2, 2, 0, 9});
+    const engine::CNetworkView view = s.View(true);
+    std::vector<double> fast(16), fastGradient(4), spare(16), plain(16), plainGradient(4);
+    kernels::AccumulateDerivatives(view, 4, fast.data(), fastGradient.data(), spare.data(), CCancelToken::Never());
+    reference::Accumulate(view, 4, plain.data(), plainGradient.data());
+    for (int k = 0; k < 16; ++k) EXPECT_NEAR(fast[k], plain[k], 1e-14) << "element " << k;
+}
+
 TEST(Accumulators, ResultsAndErrorAreTheSameOnOneCoreAsOnAll) {
-    CVantrelDlg dlg;
-    MakeSample(dlg, {2017, 2, 40, 0, 8});  // large enough for two threads
-    const size_t n = dlg.m_nParams;
-    dlg.AccumulateSecondOrder();
-    const std::vector<double> hessian(dlg.m_pHessian, dlg.m_pHessian + n * n);
-    const std::vector<double> gradient(dlg.m_pGradient, dlg.m_pGradient + n);
-    const double error = AccumulateGradientAndError(dlg, false);
-    EXPECT_EQ(error, dlg.ComputeError()) << "the first-order pass must give exactly the error measure";
+    CSample s({2017, 2, 40, 0, 8});  // large enough for two threads
+    const size_t n = s.Step().nParams;
+    s.buffers.Accumulate(false, true);
+    const std::vector<double> hessian = Copy(s.Step().pHessian, n * n), gradient = Copy(s.Step().pGradient, n);
+    const double error = s.buffers.AccumulateGradientAndError(false);
+    EXPECT_EQ(error, s.buffers.ComputeError()) << "the first-order pass must give exactly the error measure";
     kernels::LimitThreads(1);
-    dlg.AccumulateSecondOrder();
-    const double oneCoreError = dlg.ComputeError();
+    s.buffers.Accumulate(false, true);
+    const double oneCoreError = s.buffers.ComputeError();
     kernels::LimitThreads(0);
-    EXPECT_EQ(oneCoreError, error);
-    EXPECT_EQ(std::vector<double>(dlg.m_pGradient, dlg.m_pGradient + n), gradient);
-    EXPECT_EQ(std::vector<double>(dlg.m_pHessian, dlg.m_pHessian + n * n), hessian);
+    EXPECT_EQ(oneCoreError, error) << "error on one core";
+    EXPECT_EQ(Copy(s.Step().pGradient, n), gradient) << "gradient on one core";
+    EXPECT_EQ(Copy(s.Step().pHessian, n * n), hessian) << "quasi-Hessian on one core";
 }
 
 TEST(ExpArray, AgreesWithExpToRoundingIncludingInfinitiesAndNaN) {
@@ -191,15 +158,4 @@ TEST(ExpArray, AgreesWithExpToRoundingIncludingInfinitiesAndNaN) {
         else
             EXPECT_NEAR(out[k], expected, 4e-16 * expected + 1e-320) << "exp(" << in[k] << ")";
     }
-}
-
-TEST(Accumulators, StaleParameterCountNeverWritesOutsideItsRow) {
-    // m_nParams of another layout is the caller's fault; the rows still fit every entry of their form.
-    CVantrelDlg dlg;
-    MakeSample(dlg, {3, 2, 2, 0, 9});
-    dlg.m_nParams = 4;  // shorter than the layout's 9
-    dlg.AccumulateImprovedSecondOrder();
-    std::vector<double> plain(16), gradient(4);
-    reference::Accumulate(ViewOf(dlg, true), 4, plain.data(), gradient.data());
-    for (int k = 0; k < 16; ++k) EXPECT_NEAR(dlg.m_pHessian[k], plain[k], 1e-14) << k;
 }

@@ -1,9 +1,12 @@
-// Helpers shared by the network tests.
+// Helpers shared by the engine's tests.
 #pragma once
 
 #include <cmath>
 #include <cstddef>
 #include <vector>
+
+#include "engine/buffers.h"
+#include "reference/samples.h"
 
 // ||a - b|| / ||b||, Frobenius norms over count elements.
 inline double RelativeDifference(const double* a, const double* b, size_t count) {
@@ -15,14 +18,19 @@ inline double RelativeDifference(const double* a, const double* b, size_t count)
     return std::sqrt(diff) / std::sqrt(norm);
 }
 
-// Largest |(A * B)[i][j] - I[i][j]| of two n x n row-major matrices.
-inline double DistanceOfProductFromIdentity(const std::vector<double>& a, const double* b, int n) {
-    double worst = 0.0;
-    for (int i = 0; i < n; ++i)
-        for (int j = 0; j < n; ++j) {
-            double s = 0.0;
-            for (int k = 0; k < n; ++k) s += a[static_cast<size_t>(i) * n + k] * b[static_cast<size_t>(k) * n + j];
-            worst = std::fmax(worst, std::fabs(s - (i == j ? 1.0 : 0.0)));
-        }
-    return worst;
-}
+// A copy of count elements, for comparing whole arrays.
+inline std::vector<double> Copy(const double* block, size_t count) { return std::vector<double>(block, block + count); }
+
+// The sample of the given shape in the engine's own buffers, parameters packed.
+struct CSample {
+    explicit CSample(const CSampleShape& shape, const engine::CCancelToken& cancel = engine::CCancelToken::Never())
+        : buffers(cancel) {
+        MakeSample(buffers, shape);
+    }
+    engine::CNetwork Net() { return buffers.Network(); }
+    engine::CNetworkView View(bool improved) { return engine::ViewOf(Net(), buffers.PatternArrays(), improved); }
+    engine::CStepArrays Step() { return buffers.Step(); }
+    const double* Targets() const { return buffers.PatternArrays().pTargets; }
+    const double* Inputs() const { return buffers.PatternArrays().pInputs; }
+    engine::CNetworkBuffers buffers;
+};

@@ -1,5 +1,5 @@
-// The two iteration steps on crafted workspaces without a window: the first-order update, and the damped try
-// loop driven by scripted operations, so that each try's error and damping value are known.
+// The two iteration steps on crafted arrays: the first-order update, and the damped try loop driven by a
+// scripted trainee, so that each try's error and damping value are known.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,187 +7,151 @@
 #include <limits>
 #include <vector>
 
-#include "training/training.h"
-#include "workspace/blocks.h"
+#include "engine/runs.h"
 
 namespace {
 
-using training::DampedIteration;
-using training::DampedStepOps;
-using training::DampedStepResult;
+using engine::CDampedStep;
+using engine::UINT;
 
-// Gives the workspace a parameter vector of n elements with its scratch arrays.
-void AllocateParams(CVantrelDlg& dlg, UINT n) {
-    dlg.m_nParams = n;
-    ReplaceBlocks(dlg, {Block::Params, Block::Delta, Block::Gradient, Block::Hessian, Block::HessianInv},
-                  CountsOf(dlg));
-}
-
-// ---- first-order step -------------------------------------------------------------------------------------
-
-class FirstOrderStep : public ::testing::Test {
-protected:
-    void SetUp() override {
-        AllocateParams(dlg, 3);
-        const double params[] = {0.5, -1.0, 2.0};
-        const double gradient[] = {2.0, -4.0, 0.25};
+TEST(ApplyFirstOrderStep, FollowsTheFormulaWithMomentumAndLearningConstant) {
+    struct Case {
+        const char* name;
+        double L, M, delta0;
+        int steps;
+        std::vector<double> params, delta;
+    };
+    const Case cases[] = {
+        {"momentum 1 never moves from rest", 0.3, 1.0, 0.0, 5, {0.5, -1.0, 2.0}, {0.0, 0.0, 0.0}},
+        // A stale change has no weight without momentum.
+        {"momentum 0 is plain gradient descent", 0.1, 0.0, 7.0, 1, {0.3, -0.6, 1.975}, {-0.2, 0.4, -0.025}},
+        // From rest only (1 - M) L g, then plus M times the first change.
+        {"momentum 0.5, one step", 0.1, 0.5, 0.0, 1, {0.4, -0.8, 1.9875}, {-0.1, 0.2, -0.0125}},
+        {"momentum 0.5, two steps", 0.1, 0.5, 0.0, 2, {0.25, -0.5, 1.96875}, {-0.15, 0.3, -0.01875}},
+    };
+    for (const Case& c : cases) {
+        std::vector<double> params{0.5, -1.0, 2.0}, gradient{2.0, -4.0, 0.25}, delta{c.delta0, 0.0, 0.0};
+        const engine::CStepArrays step{params.data(), delta.data(), gradient.data(), nullptr, 3};
+        for (int k = 0; k < c.steps; ++k) engine::ApplyFirstOrderStep(step, c.L, c.M);
         for (int i = 0; i < 3; ++i) {
-            dlg.m_pParams[i] = params[i];
-            dlg.m_pGradient[i] = gradient[i];
+            EXPECT_NEAR(params[i], c.params[i], 1e-15) << c.name << ": parameter " << i;
+            EXPECT_NEAR(delta[i], c.delta[i], 1e-15) << c.name << ": delta must hold the change just made, " << i;
         }
     }
-    CVantrelDlg dlg;
-};
-
-TEST_F(FirstOrderStep, MomentumOneNeverMovesParametersFromRest) {
-    dlg.m_dMomentum = 1.0;
-    dlg.m_dLearningConstant = 0.3;
-    for (int step = 0; step < 5; ++step) training::ApplyFirstOrderStep(dlg);
-    EXPECT_EQ(dlg.m_pParams[0], 0.5);
-    EXPECT_EQ(dlg.m_pParams[1], -1.0);
-    EXPECT_EQ(dlg.m_pParams[2], 2.0);
-    EXPECT_EQ(dlg.m_pDelta[1], 0.0) << "the gradient leaked into the change despite momentum 1";
 }
 
-TEST_F(FirstOrderStep, MomentumZeroIsPlainGradientDescentAgainstTheGradient) {
-    dlg.m_dMomentum = 0.0;
-    dlg.m_dLearningConstant = 0.1;
-    dlg.m_pDelta[0] = 7.0;  // a stale change must have no weight without momentum
-    training::ApplyFirstOrderStep(dlg);
-    EXPECT_DOUBLE_EQ(dlg.m_pParams[0], 0.5 - 0.2);
-    EXPECT_DOUBLE_EQ(dlg.m_pParams[1], -1.0 + 0.4);
-    EXPECT_DOUBLE_EQ(dlg.m_pParams[2], 2.0 - 0.025);
-    EXPECT_DOUBLE_EQ(dlg.m_pDelta[1], 0.4) << "delta must hold the change just made";
-}
+// Two parameters: gradient g and a diagonal quasi-Hessian h. The solve records the damped diagonal of each try
+// and then wrecks the quasi-Hessian, as the real one does; each error measure returns the next scripted error.
+class CScriptedTrainee : public engine::CTrainee {
+public:
+    CScriptedTrainee() : params{1.0, 2.0}, delta(2), gradient(2), hessian(4) {}
+    UINT Patterns() const override { return 1; }
+    UINT Inputs() const override { return 1; }
+    UINT Units() const override { return 0; }
+    engine::CStepArrays Step() override { return {params.data(), delta.data(), gradient.data(), hessian.data(), 2}; }
+    void InitializeNetwork() override {}
+    void PackParameters() override {}
+    void UnpackParameters() override { triedParams.push_back(params[0]); }
+    double ComputeError() override { return NextError(false); }
+    double ComputeOutputs() override { return NextError(true); }
+    void Accumulate(bool, bool) override {
+        ++accumulations;
+        gradient = {kG0, kG1};
+        hessian = {kH0, 0.0, 0.0, kH1};
+    }
+    double AccumulateGradientAndError(bool) override { return 0.0; }
+    void SolveHessian(double* x) override {
+        dampings.push_back(hessian[0] - kH0);
+        x[0] = gradient[0] / hessian[0];
+        x[1] = gradient[1] / hessian[3];
+        hessian.assign(4, std::numeric_limits<double>::quiet_NaN());
+    }
+    void ResetNetwork() override {}
+    void AddUnitAtWorstPattern() override {}
 
-TEST_F(FirstOrderStep, GradientIsScaledByOneMinusMomentumAndMomentumCarriesTheLastChange) {
-    dlg.m_dMomentum = 0.5;
-    dlg.m_dLearningConstant = 0.1;
-    training::ApplyFirstOrderStep(dlg);  // from rest: only (1 - M) * L * g
-    EXPECT_DOUBLE_EQ(dlg.m_pParams[0], 0.5 - 0.5 * 2.0 * 0.1);
-    EXPECT_DOUBLE_EQ(dlg.m_pDelta[0], -0.1);
-    training::ApplyFirstOrderStep(dlg);  // now plus M times the change of the first step
-    EXPECT_DOUBLE_EQ(dlg.m_pParams[0], 0.4 - 0.1 + 0.5 * -0.1);
-    EXPECT_DOUBLE_EQ(dlg.m_pDelta[0], -0.15);
-}
-
-// ---- damped try loop --------------------------------------------------------------------------------------
-//
-// One parameter: gradient g and quasi-Hessian h. The fake solve records the damped diagonal of each try and
-// then wrecks m_pHessian, as the real one does; the fake error returns the next scripted error.
-
-struct Script {
-    double gradient = 3.0;
-    double hessian = 2.0;
+    static constexpr double kG0 = 3.0, kG1 = 8.0, kH0 = 2.0, kH1 = 4.0;
     std::deque<double> errors;
-    std::vector<double> dampedDiagonals;
-    std::vector<double> triedParams;
-    int accumulations = 0;
-};
-Script g_script;
+    std::vector<double> params, delta, gradient, hessian, triedParams, dampings;
+    int accumulations = 0, outputMeasures = 0;
 
-const DampedStepOps kScriptedOps{
-    [](CVantrelDlg& dlg) {
-        ++g_script.accumulations;
-        dlg.m_pGradient[0] = g_script.gradient;
-        dlg.m_pHessian[0] = g_script.hessian;
-    },
-    [](CVantrelDlg& dlg, double* x) {
-        g_script.dampedDiagonals.push_back(dlg.m_pHessian[0]);
-        x[0] = dlg.m_pGradient[0] / dlg.m_pHessian[0];
-        dlg.m_pHessian[0] = std::numeric_limits<double>::quiet_NaN();
-    },
-    [](CVantrelDlg& dlg) {
-        g_script.triedParams.push_back(dlg.m_pParams[0]);
-        const double error = g_script.errors.front();
-        g_script.errors.pop_front();
+private:
+    double NextError(bool outputs) {
+        outputMeasures += outputs;
+        const double error = errors.front();
+        errors.pop_front();
         return error;
-    }};
-
-class DampedTries : public ::testing::Test {
-protected:
-    void SetUp() override {
-        g_script = Script{};
-        AllocateParams(dlg, 1);
-        dlg.m_pParams[0] = 1.0;
-        saved.assign(1, 0.0);
     }
-    DampedStepResult Iterate(std::deque<double> errors, double previousError, double damping) {
-        g_script.errors = std::move(errors);
-        return DampedIteration(dlg, kScriptedOps, saved.data(), previousError, damping);
-    }
-    // Damping value that try k (from 0) added to the diagonal.
-    double DampingOfTry(size_t k) const { return g_script.dampedDiagonals.at(k) - g_script.hessian; }
-
-    CVantrelDlg dlg;
-    std::vector<double> saved;
 };
 
-TEST_F(DampedTries, SuccessAtFirstTryDividesDampingByTen) {
-    const DampedStepResult r = Iterate({0.4}, 0.5, 0.01);
-    EXPECT_EQ(r.tries, 1);
-    EXPECT_DOUBLE_EQ(r.damping, 0.001);
-    EXPECT_EQ(r.error, 0.4);
-    EXPECT_NEAR(DampingOfTry(0), 0.01, 0.01 * 1e-9);
-    EXPECT_DOUBLE_EQ(dlg.m_pParams[0], 1.0 - 3.0 / 2.01) << "step must be params - inverse * gradient";
-    EXPECT_EQ(dlg.m_pDelta[0], 1.0) << "m_pDelta must hold the parameters at the start of the iteration";
-}
-
-TEST_F(DampedTries, SixFailuresLeaveTenThousandAndTheSixthTryInPlace) {
-    const DampedStepResult r = Iterate({0.6, 0.7, 0.8, 0.9, 1.0, 1.1}, 0.5, 0.01);
-    EXPECT_EQ(r.tries, 6);
-    EXPECT_DOUBLE_EQ(r.damping, 10000.0);
-    EXPECT_EQ(r.error, 1.1) << "element i must be the sixth try's error";
-    ASSERT_EQ(g_script.dampedDiagonals.size(), 6u);
-    EXPECT_NEAR(DampingOfTry(5), 1000.0, 1000.0 * 1e-9) << "the sixth try must be made at 1000";
-    // Every try steps from the same saved point, from the saved quasi-Hessian, and nothing is rolled back.
-    for (size_t k = 0; k < 6; ++k)
-        EXPECT_DOUBLE_EQ(g_script.triedParams[k], 1.0 - 3.0 / (2.0 + 0.01 * std::pow(10.0, double(k)))) << k;
-    EXPECT_DOUBLE_EQ(dlg.m_pParams[0], 1.0 - 3.0 / 1002.0);
-    EXPECT_EQ(g_script.accumulations, 1) << "derivatives are accumulated once per iteration, not per try";
-}
-
-TEST_F(DampedTries, SuccessAfterTwoFailuresLeavesPointOne) {
-    const DampedStepResult r = Iterate({0.9, 0.8, 0.3}, 0.5, 0.01);
-    EXPECT_EQ(r.tries, 3);
-    EXPECT_NEAR(DampingOfTry(1), 0.1, 0.1 * 1e-9);
-    EXPECT_NEAR(DampingOfTry(2), 1.0, 1.0 * 1e-9);
-    EXPECT_DOUBLE_EQ(r.damping, 0.1);
-}
-
-TEST_F(DampedTries, AnUnchangedErrorFailsAndANaNSucceeds) {
-    const DampedStepResult equal = Iterate({0.5, 0.4}, 0.5, 0.01);
-    EXPECT_EQ(equal.tries, 2) << "an error equal to the previous one must count as a failure";
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    const DampedStepResult notANumber = Iterate({nan}, 0.5, 0.01);
-    EXPECT_EQ(notANumber.tries, 1) << "a NaN error must end the tries as a success";
-    EXPECT_TRUE(std::isnan(notANumber.error));
-    const DampedStepResult infinite = Iterate({INFINITY, 0.1}, 0.5, 0.01);
-    EXPECT_EQ(infinite.tries, 2) << "an infinite error must fail";
-}
-
-TEST_F(DampedTries, DampingStopsMovingBeyondItsBoundsButTheCrossingStepIsTaken) {
-    EXPECT_EQ(Iterate({1, 1, 1, 1, 1, 1}, 0.5, 1e20).damping, 1e20);
-    EXPECT_EQ(Iterate({0.1}, 0.5, 1e-20).damping, 1e-20);
-    EXPECT_DOUBLE_EQ(Iterate({1, 1, 1, 1, 1, 1}, 0.5, 5e19).damping, 5e20);
-    EXPECT_DOUBLE_EQ(Iterate({0.1}, 0.5, 2e-20).damping, 2e-21);
-}
-
-TEST(DampedStep, EachParameterMovesAgainstItsOwnElementOfTheSolution) {
-    CVantrelDlg dlg;
-    AllocateParams(dlg, 2);
-    dlg.m_pParams[0] = 1.0;
-    dlg.m_pParams[1] = 2.0;
+CDampedStep Iterate(CScriptedTrainee& t, std::deque<double> errors, double previousError, double damping,
+                    const engine::CCancelToken& cancel = engine::CCancelToken::Never()) {
     std::vector<double> saved(4);
-    const DampedStepOps ops{[](CVantrelDlg&) {},
-                            [](CVantrelDlg&, double* x) {
-                                x[0] = 5.0;
-                                x[1] = 70.0;
-                            },
-                            [](CVantrelDlg&) { return 0.0; }};
-    DampedIteration(dlg, ops, saved.data(), 1.0, 0.01);
-    EXPECT_EQ(dlg.m_pParams[0], 1.0 - 5.0);
-    EXPECT_EQ(dlg.m_pParams[1], 2.0 - 70.0);
+    t.errors = std::move(errors);
+    return engine::DampedIteration(t, engine::CDampedForm{}, saved.data(), previousError, damping, cancel);
 }
 
 }  // namespace
+
+TEST(DampedIteration, TriesAndDampingFollowTheRules) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    struct Case {
+        const char* name;
+        std::deque<double> errors;
+        double previous, damping;
+        int tries;
+        double nextDamping;
+    };
+    const Case cases[] = {
+        {"success at the first try divides by ten", {0.4}, 0.5, 0.01, 1, 0.001},
+        {"success after two failures", {0.9, 0.8, 0.3}, 0.5, 0.01, 3, 0.1},
+        {"six failures end at 10000", {0.6, 0.7, 0.8, 0.9, 1.0, 1.1}, 0.5, 0.01, 6, 10000.0},
+        {"an equal error is a failure", {0.5, 0.4}, 0.5, 0.01, 2, 0.01},
+        {"a NaN error is a success", {nan}, 0.5, 0.01, 1, 0.001},
+        {"an infinite error is a failure", {INFINITY, 0.1}, 0.5, 0.01, 2, 0.01},
+        {"the ceiling stops the rise", {1, 1, 1, 1, 1, 1}, 0.5, 1e20, 6, 1e20},
+        {"the floor stops the fall", {0.1}, 0.5, 1e-20, 1, 1e-20},
+        {"the step crossing the ceiling is taken", {1, 1, 1, 1, 1, 1}, 0.5, 5e19, 6, 5e20},
+        {"the step crossing the floor is taken", {0.1}, 0.5, 2e-20, 1, 2e-21},
+    };
+    for (const Case& c : cases) {
+        CScriptedTrainee t;
+        const CDampedStep r = Iterate(t, c.errors, c.previous, c.damping);
+        EXPECT_EQ(r.tries, c.tries) << c.name;
+        EXPECT_NEAR(r.damping, c.nextDamping, c.nextDamping * 1e-12) << c.name;
+        const double last = c.errors[c.tries - 1];
+        EXPECT_TRUE(r.error == last || (std::isnan(r.error) && std::isnan(last))) << c.name << ": the last try's error";
+        ASSERT_EQ(t.dampings.size(), size_t(c.tries)) << c.name;
+        for (size_t k = 0, rising = 1; k < t.dampings.size(); ++k) {
+            EXPECT_NEAR(t.dampings[k], c.damping * rising, 1e-9 * c.damping * rising + 1e-15)
+                << c.name << ": damping of try " << k;
+            if (c.damping * rising < 1e20) rising *= 10;
+        }
+    }
+}
+
+TEST(DampedIteration, EveryTryStepsFromTheSavedPointAndNothingIsRolledBack) {
+    CScriptedTrainee t;
+    Iterate(t, {0.6, 0.7, 0.8, 0.9, 1.0, 1.1}, 0.5, 0.01);
+    EXPECT_EQ(t.accumulations, 1) << "derivatives are accumulated once per iteration, not per try";
+    EXPECT_EQ(t.delta, (std::vector<double>{1.0, 2.0})) << "delta must hold the parameters at the iteration's start";
+    ASSERT_EQ(t.triedParams.size(), 6u);
+    for (size_t k = 0; k < 6; ++k)
+        EXPECT_DOUBLE_EQ(t.triedParams[k], 1.0 - 3.0 / (2.0 + 0.01 * std::pow(10.0, double(k)))) << "try " << k;
+    // The sixth try (at 1000) stays; each parameter moves against its own element of the solution.
+    EXPECT_DOUBLE_EQ(t.params[0], 1.0 - 3.0 / 1002.0);
+    EXPECT_DOUBLE_EQ(t.params[1], 2.0 - 8.0 / 1004.0);
+    EXPECT_EQ(t.outputMeasures, 0) << "the second-order form must judge by ComputeError";
+    CScriptedTrainee growth;
+    std::vector<double> saved(4);
+    engine::DampedIteration(growth, engine::CDampedForm{false, true}, saved.data(), 0.5, 0.01,
+                            engine::CCancelToken::Never());
+    EXPECT_EQ(growth.outputMeasures, 1) << "Error Correction must judge by ComputeOutputs";
+}
+
+TEST(DampedIteration, AbandonedTokenThrowsBeforeAnyTry) {
+    engine::CCancelToken token;
+    token.Abandon();
+    CScriptedTrainee t;
+    EXPECT_THROW(Iterate(t, {0.1}, 0.5, 0.01, token), engine::CCancelled);
+    EXPECT_TRUE(t.triedParams.empty());
+}

@@ -1,0 +1,153 @@
+// The runs on the engine's own buffers: what the progress sink hears and in which order, how a run ends
+// (stop, abandon, no result file, no patterns), and that the same numbers train to the same bits.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "engine/kernels.h"
+#include "engine/runs.h"
+#include "network_test_support.h"
+
+namespace {
+
+using engine::RunEnding;
+using engine::UINT;
+
+// Keeps the name of every call, the curves and the result blocks.
+class CRecordingSink : public engine::CProgressSink {
+public:
+    bool createResultFile = true;
+    std::vector<std::string> calls;
+    std::vector<std::vector<double>> curves;
+    std::vector<UINT> units, blockIterations;
+    std::vector<double> blockErrors;
+
+    bool CreateResultFile() override { return Called("CreateResultFile"), createResultFile; }
+    void IterationDone(UINT, double) override { Called("IterationDone"); }
+    void UnitAdded(UINT count) override { Called("UnitAdded"), units.push_back(count); }
+    void TimesDone(double, double) override { Called("TimesDone"); }
+    void IterationCurve(const std::vector<double>& errors) override {
+        Called("IterationCurve");
+        curves.push_back(errors);
+    }
+    void NetworkDone() override { Called("NetworkDone"); }
+    void TotalError(double) override { Called("TotalError"); }
+    void SummaryCurve(const std::vector<double>&, UINT) override { Called("SummaryCurve"); }
+    void ResultBlock(UINT, UINT iterations, double error) override {
+        Called("ResultBlock");
+        blockIterations.push_back(iterations);
+        blockErrors.push_back(error);
+    }
+
+private:
+    void Called(const char* name) { calls.push_back(name); }
+};
+
+engine::CFixedSettings Settings(engine::Algorithm algorithm, UINT iterations) {
+    engine::CFixedSettings s;
+    s.algorithm = algorithm;
+    s.iterations = iterations;
+    s.desiredError = 0.0;  // never reached: every iteration runs
+    s.maxUnits = 2;
+    return s;
+}
+
+engine::CRunOutcome Train(engine::CNetworkBuffers& b, const engine::CFixedSettings& s, CRecordingSink& sink,
+                        const engine::CCancelToken& token) {
+    b.SetAlgorithm(s.algorithm);
+    if (s.algorithm == engine::kErrorCorrection) return engine::RunErrorCorrection(b, s, sink, token, false);
+    return engine::RunFixedSize(b, s, sink, token);
+}
+
+std::vector<std::string> Repeat(std::vector<std::string> head, int times, const std::vector<std::string>& block) {
+    for (int k = 0; k < times; ++k) head.insert(head.end(), block.begin(), block.end());
+    return head;
+}
+
+}  // namespace
+
+TEST(Runs, SinkHearsEachTrialOrUnitInOrder) {
+    const std::vector<std::string> trial{"IterationDone", "IterationDone", "IterationDone", "TimesDone",
+                                         "IterationCurve", "NetworkDone", "TotalError", "SummaryCurve", "ResultBlock"};
+    const std::vector<std::string> unit{"UnitAdded", "IterationDone", "IterationDone", "IterationDone", "TimesDone",
+                                        "IterationCurve", "TotalError", "NetworkDone", "SummaryCurve", "ResultBlock"};
+    for (int algorithm = 0; algorithm < engine::kAlgorithmCount; ++algorithm) {
+        const bool growth = algorithm == engine::kErrorCorrection;
+        engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 3);
+        s.trials = 2;
+        s.saveResults = true;
+        CSample sample({20, 2, 3, algorithm, 2});
+        CRecordingSink sink;
+        EXPECT_EQ(Train(sample.buffers, s, sink, engine::CCancelToken::Never()).ending, RunEnding::Normal);
+        EXPECT_EQ(sink.calls, Repeat({"CreateResultFile"}, 2, growth ? unit : trial)) << "algorithm " << algorithm;
+        ASSERT_EQ(sink.curves.size(), 2u) << "algorithm " << algorithm;
+        for (size_t k = 0; k < 2; ++k) {
+            EXPECT_EQ(sink.curves[k].size(), 4u) << "algorithm " << algorithm << ": initial error and 3 iterations";
+            EXPECT_EQ(sink.blockIterations[k], 3u) << "algorithm " << algorithm;
+            EXPECT_EQ(sink.blockErrors[k], sink.curves[k].back()) << "algorithm " << algorithm << ": block's error";
+        }
+        if (growth) {
+            EXPECT_EQ(sink.units, (std::vector<UINT>{1, 2})) << "units added";
+            EXPECT_EQ(sample.buffers.Units(), 2u);
+        }
+    }
+}
+
+TEST(Runs, StopAbandonMissingResultFileAndNoPatternsEndTheRunBeforeAnyTrial) {
+    struct Case {
+        const char* name;
+        RunEnding ending;
+        std::string message;
+        UINT patterns;
+        bool resultFileFails;
+    };
+    const Case cases[] = {
+        {"stop", RunEnding::Stopped, "", 10, false},
+        {"abandon", RunEnding::Abandoned, "", 10, false},
+        {"no result file", RunEnding::Failed, "Create Result File Failed!", 10, true},
+        {"no patterns", RunEnding::Failed,
+         "The data set has no patterns or no inputs: load another data set before training.", 0, false},
+    };
+    for (const Case& c : cases)
+        for (engine::Algorithm algorithm : {engine::kSecondOrder, engine::kFirstOrder, engine::kErrorCorrection}) {
+            engine::CCancelToken token;
+            CSample sample({c.patterns, 2, 3, algorithm, 4}, token);
+            engine::CFixedSettings s = Settings(algorithm, 5);
+            CRecordingSink sink;
+            if (c.ending == RunEnding::Stopped) token.RequestStop();
+            if (c.ending == RunEnding::Abandoned) token.Abandon();
+            s.saveResults = c.resultFileFails;
+            sink.createResultFile = !c.resultFileFails;
+            const engine::CRunOutcome outcome = Train(sample.buffers, s, sink, token);
+            EXPECT_EQ(outcome.ending, c.ending) << c.name << ", algorithm " << algorithm;
+            EXPECT_EQ(outcome.message, c.message) << c.name << ", algorithm " << algorithm;
+            // A stopped growth has placed its unit before the first iteration's test; nothing else is reported.
+            const bool unitAllowed = c.ending == RunEnding::Stopped;
+            for (const std::string& call : sink.calls)
+                EXPECT_TRUE(call == "CreateResultFile" || (unitAllowed && call == "UnitAdded"))
+                    << c.name << ", algorithm " << algorithm << ": reported " << call;
+        }
+}
+
+TEST(Runs, SameNumbersTrainToTheSameBitsOnOneThreadAsOnAll) {
+    for (int algorithm = 0; algorithm < engine::kAlgorithmCount; ++algorithm) {
+        std::vector<double> trained[2];
+        for (int threads : {0, 1}) {
+            engine::kernels::LimitThreads(threads);
+            CSample sample({engine::kernels::kSplitPatterns + 88, 2, 6, algorithm, 3});
+            engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 4);
+            s.loadFromFile = true;  // trains the sample's own network
+            CRecordingSink sink;
+            Train(sample.buffers, s, sink, engine::CCancelToken::Never());
+            const engine::CNetwork net = sample.Net();
+            std::vector<double>& bits = trained[threads];
+            for (const std::vector<double>& block :
+                 {Copy(net.pOutputWeights, net.nUnits + 1), Copy(net.pWidths, net.nUnits),
+                  Copy(net.pInputWeights, net.nUnits * 2), Copy(net.pCenters, net.nUnits * 2), sink.curves.at(0)})
+                bits.insert(bits.end(), block.begin(), block.end());
+        }
+        engine::kernels::LimitThreads(0);
+        EXPECT_EQ(trained[0], trained[1]) << "algorithm " << algorithm << ": one thread trained other bits";
+    }
+}
