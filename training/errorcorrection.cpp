@@ -2,7 +2,7 @@
 // on the workspace, and the end that also arms Online Training.
 #include "platform/shared.h"
 #include "platform/uiqueue.h"
-#include "training/runframe.h"
+#include "training/training.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "files/datafile.h"
 #include "files/scanner.h"
 #include "platform/thread.h"
-#include "training/runframe.h"
+#include "training/training.h"
 #include "workspace/blocks.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <vector>
 
-#include "training/runframe.h"
+#include "training/training.h"
 
 namespace training {
 namespace {

@@ -1,4 +1,4 @@
-#include "training/runframe.h"
+#include "training/training.h"
 
 #include "platform/shared.h"
 #include "workspace/network.h"

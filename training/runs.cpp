@@ -1,6 +1,6 @@
 // The run functions of the four algorithms of a fixed number of units: the engine's loop of trials on the
 // workspace.
-#include "training/runframe.h"
+#include "training/training.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The Start Training button: starts a run, or asks the running one to stop.
 #include "platform/thread.h"
-#include "training/runframe.h"
+#include "training/training.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "platform/thread.h"
 #include "reference/reference.h"
 #include "run_fixture.h"
-#include "training/runframe.h"
+#include "training/training.h"
 #include "workspace/network.h"
 
 namespace {
