@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "platform/dcstate.h"
-#include "platform/qtaccess.h"
+#include "platform/dialogwindow.h"
 
 namespace platform {
 

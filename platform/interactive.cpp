@@ -49,9 +49,9 @@ public:
     }
 
     INT_PTR RunModal(CDialog& dialog) override {
-        platform::DialogWindow* window = dialog.Window();
+        platform::DialogControls* window = dialog.Window();
         if (window == nullptr) return IDCANCEL;
-        window->exec();
+        window->RunModalLoop();
         return dialog.Result();
     }
 

@@ -1,7 +1,6 @@
 // Menus, file dialogs, string resources and the desktop's "open".
 #include <QApplication>
 
-#include "platform/dialogwindow.h"
 #include "platform/prompt.h"
 #include "platform/templates.h"
 #include "platform/window.h"

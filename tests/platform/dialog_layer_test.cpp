@@ -12,6 +12,7 @@
 #include "platform/scripted.h"
 #include "platform/thread.h"
 #include "platform/uiqueue.h"
+#include "platform/window.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ protected:
     void SetUp() override {
         AfxSetPromptHook(&m_prompts);
         ASSERT_TRUE(m_dialog.CreateHidden());
-        m_window = m_dialog.Window();
+        m_window = dynamic_cast<platform::DialogWindow*>(m_dialog.Window());
         ASSERT_NE(m_window, nullptr);
     }
     void TearDown() override { AfxSetPromptHook(nullptr); }
