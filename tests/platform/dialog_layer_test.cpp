@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/dialogwindow.h"
-#include "platform/scripted.h"
+#include "tools/scripted/scripted.h"
 #include "platform/thread.h"
 #include "platform/uiqueue.h"
 #include "platform/window.h"

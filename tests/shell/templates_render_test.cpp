@@ -9,7 +9,7 @@
 #include <QStyleOptionComboBox>
 
 #include "platform/dialogwindow.h"
-#include "platform/scripted.h"
+#include "tools/scripted/scripted.h"
 #include "support/picture.h"
 #include "workspace/workspace.h"
 

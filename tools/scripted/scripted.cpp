@@ -1,4 +1,4 @@
-#include "platform/scripted.h"
+#include "tools/scripted/scripted.h"
 
 #include "platform/window.h"
 
