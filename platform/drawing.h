@@ -44,7 +44,6 @@ public:
     int SetBkMode(int mode);
     COLORREF SetTextColor(COLORREF color);
 
-    void FillRect(const RECT* rect, CBrush* brush);
     void FillSolidRect(const RECT* rect, COLORREF color);
     CPoint MoveTo(int x, int y);
     BOOL LineTo(int x, int y);
@@ -56,10 +55,6 @@ public:
     BOOL DrawIcon(int x, int y, HICON icon);
     BOOL BitBlt(int x, int y, int width, int height, CDC* source, int xSource, int ySource, DWORD rop);
 
-    // The handle-like value a message such as WM_ICONERASEBKGND carries for this DC.
-    WPARAM GetSafeHdc() const { return reinterpret_cast<WPARAM>(this); }
-    // Layer internals: the painter (a QPainter) this DC draws with now, or null when it has no surface.
-    void* Painter() const;
 
 protected:
     std::unique_ptr<platform::DcState> m_state;

@@ -68,8 +68,6 @@ public:
     int Height() const;
     // The pixel at (x, y) as RGB, for tests; 0 outside.
     COLORREF GetPixel(int x, int y) const;
-    // Layer internals: the image behind the bitmap (a QImage).
-    void* Image() const;
 
 private:
     struct Impl;

@@ -97,13 +97,6 @@ BOOL CWnd::EnableWindow(BOOL enable) {
     return FALSE;
 }
 
-BOOL CWnd::IsWindowEnabled() const {
-    if (m_window == nullptr) return FALSE;
-    bool enabled = false;
-    platform::CallOnGui([&] { enabled = m_window->IsEnabled(m_nID); });
-    return enabled ? TRUE : FALSE;
-}
-
 LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (m_window == nullptr) return 0;
     if (!AfxIsGuiThread() && IsFireAndForget(message)) {

@@ -46,14 +46,12 @@ public:
     void SetWindowText(LPCTSTR text);
     void GetWindowText(CString& text) const;
     BOOL EnableWindow(BOOL enable = TRUE);
-    BOOL IsWindowEnabled() const;
     LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
     int MessageBox(LPCTSTR text, LPCTSTR caption = nullptr, UINT type = MB_OK);
     BOOL UpdateData(BOOL saveAndValidate = TRUE);
 
     void InvalidateRect(const RECT* rect, BOOL erase = TRUE);
-    void Invalidate(BOOL erase = TRUE) { InvalidateRect(nullptr, erase); }
     void GetClientRect(RECT* rect) const;
     void GetWindowRect(RECT* rect) const;
     void ClientToScreen(POINT* point) const;
@@ -164,7 +162,6 @@ public:
 private:
     std::vector<Item> m_items;
     std::vector<std::unique_ptr<CMenu>> m_popups;
-    CString m_name;
 };
 
 // Open or save file dialog.
@@ -179,13 +176,11 @@ public:
     CString GetFileTitle() const;
 
     BOOL IsOpenDialog() const { return m_open; }
-    const CString& DefaultExt() const { return m_defaultExt; }
     const CString& Filter() const { return m_filter; }
     void SetPathName(const CString& path) { m_path = path; }
 
 private:
     BOOL m_open;
-    CString m_defaultExt;
     CString m_filter;
     CString m_path;
 };
