@@ -2,7 +2,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
 #include <vector>
 
 void CString::Format(const char* format, ...) {
