@@ -57,6 +57,33 @@ private:
 
 QString QtText(const char* text) { return QString::fromLatin1(text != nullptr ? text : ""); }
 
+// Where a line goes among count lines kept in order, ignoring case: after the last one that does not sort
+// after it, so that equal lines stay in the order they came.
+template <class LineAt>
+int SortedPlace(int count, const QString& line, LineAt lineAt) {
+    int low = 0, high = count;
+    while (low < high) {
+        const int middle = (low + high) / 2;
+        if (QString::compare(lineAt(middle), line, Qt::CaseInsensitive) <= 0) low = middle + 1;
+        else high = middle;
+    }
+    return low;
+}
+
+bool CarriesLine(UINT message) {
+    return message == LB_ADDSTRING || message == LB_INSERTSTRING || message == CB_ADDSTRING ||
+           message == CB_INSERTSTRING;
+}
+
+// The index a line message puts its line at, or -1 for a message that puts none.
+template <class LineAt>
+int LinePlace(UINT message, WPARAM wParam, int count, bool sorted, const QString& line, LineAt lineAt) {
+    if (!CarriesLine(message)) return -1;
+    if (message == LB_ADDSTRING || message == CB_ADDSTRING) return sorted ? SortedPlace(count, line, lineAt) : count;
+    const int index = static_cast<int>(wParam);
+    return (index < 0 || index > count) ? count : index;
+}
+
 }  // namespace
 
 std::shared_ptr<DialogControls> OpenDialogWindow(DialogOwner& owner, const DialogTemplate& tpl, bool modal) {
@@ -342,15 +369,18 @@ LRESULT DialogWindow::Send(int id, UINT message, WPARAM wParam, LPARAM lParam) {
         if (message == BM_GETCHECK) return button->isChecked() ? BST_CHECKED : BST_UNCHECKED;
         return 0;
     }
+    const ControlTemplate* control = AfxFindControlTemplate(m_template, id);
+    const UINT style = control != nullptr ? control->style : 0;
     if (auto* list = qobject_cast<QListWidget*>(widget)) {
         const int count = list->count();
+        const QString line = QtText(CarriesLine(message) ? reinterpret_cast<const char*>(lParam) : nullptr);
+        const int place = LinePlace(message, wParam, count, (style & LBS_SORT) != 0, line,
+                                    [list](int i) { return list->item(i)->text(); });
+        if (place >= 0) {
+            list->insertItem(place, line);
+            return place;
+        }
         switch (message) {
-            case LB_INSERTSTRING: {
-                const int index = (static_cast<int>(wParam) < 0 || static_cast<int>(wParam) > count)
-                                      ? count : static_cast<int>(wParam);
-                list->insertItem(index, QString::fromLatin1(reinterpret_cast<const char*>(lParam)));
-                return index;
-            }
             case LB_RESETCONTENT: list->clear(); return 0;
             case LB_SETCURSEL:
                 list->setCurrentRow(static_cast<int>(wParam));
@@ -363,13 +393,14 @@ LRESULT DialogWindow::Send(int id, UINT message, WPARAM wParam, LPARAM lParam) {
     }
     if (auto* combo = qobject_cast<QComboBox*>(widget)) {
         const int count = combo->count();
+        const QString line = QtText(CarriesLine(message) ? reinterpret_cast<const char*>(lParam) : nullptr);
+        const int place = LinePlace(message, wParam, count, (style & CBS_SORT) != 0, line,
+                                    [combo](int i) { return combo->itemText(i); });
+        if (place >= 0) {
+            combo->insertItem(place, line);
+            return place;
+        }
         switch (message) {
-            case CB_INSERTSTRING: {
-                const int index = (static_cast<int>(wParam) < 0 || static_cast<int>(wParam) > count)
-                                      ? count : static_cast<int>(wParam);
-                combo->insertItem(index, QString::fromLatin1(reinterpret_cast<const char*>(lParam)));
-                return index;
-            }
             case CB_RESETCONTENT: combo->clear(); return 0;
             case CB_SETCURSEL: combo->setCurrentIndex(static_cast<int>(wParam)); return combo->currentIndex();
             case CB_GETCURSEL: return combo->currentIndex();

@@ -18,14 +18,20 @@ const void* PaintKey(const DialogControls& window, int id) {
     return key != nullptr ? static_cast<const char*>(key) + 1 : nullptr;
 }
 
+// Messages whose lParam is the text of a line.
+bool CarriesText(UINT message) {
+    return message == LB_ADDSTRING || message == LB_INSERTSTRING || message == CB_ADDSTRING ||
+           message == CB_INSERTSTRING;
+}
+
 // Messages that only change a control: a worker may queue them without waiting for their result.
 bool IsFireAndForget(UINT message) {
     switch (message) {
-        case BM_SETCHECK: case LB_INSERTSTRING: case LB_RESETCONTENT: case LB_SETCURSEL:
-        case CB_INSERTSTRING: case CB_RESETCONTENT: case CB_SETCURSEL: case WM_SETICON:
+        case BM_SETCHECK: case LB_RESETCONTENT: case LB_SETCURSEL: case CB_RESETCONTENT: case CB_SETCURSEL:
+        case WM_SETICON:
             return true;
         default:
-            return false;
+            return CarriesText(message);
     }
 }
 
@@ -102,15 +108,13 @@ LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (!AfxIsGuiThread() && IsFireAndForget(message)) {
         // The text behind a string message must outlive the caller's buffer.
         std::string text;
-        if (message == LB_INSERTSTRING || message == CB_INSERTSTRING)
-            text = reinterpret_cast<const char*>(lParam);
+        if (CarriesText(message)) text = reinterpret_cast<const char*>(lParam);
         std::weak_ptr<DialogControls> window = m_window->weak_from_this();
         const int id = m_nID;
         platform::PostToGui([window, id, message, wParam, lParam, text] {
             auto open = window.lock();
             if (!open) return;
-            const bool isString = message == LB_INSERTSTRING || message == CB_INSERTSTRING;
-            open->Send(id, message, wParam, isString ? reinterpret_cast<LPARAM>(text.c_str()) : lParam);
+            open->Send(id, message, wParam, CarriesText(message) ? reinterpret_cast<LPARAM>(text.c_str()) : lParam);
         });
         return 0;
     }
