@@ -10,7 +10,6 @@ public:
     virtual BOOL InitInstance() { return FALSE; }
     virtual int ExitInstance() { return 0; }
     void Enable3dControls() {}
-    void OnHelp() {}
     // Starts the window system, runs InitInstance and ExitInstance, returns the exit code.
     int Run(int argc, char** argv);
 

@@ -12,7 +12,6 @@ class CTime {
 public:
     explicit CTime(std::time_t t = 0) : m_time(t) {}
     static CTime GetTickCount();  // the current time, as the framework names it
-    static CTime GetCurrentTime() { return GetTickCount(); }
     // Local time broken down. With no buffer the result lives in storage of this object.
     struct tm* GetLocalTm(struct tm* ptm = nullptr) const;
 

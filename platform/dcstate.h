@@ -10,7 +10,7 @@
 #include <QPainter>
 #include <memory>
 
-#include "platform/drawing.h"
+#include "platform/gdiobjects.h"
 #include "platform/raster.h"
 
 class QWidget;

@@ -7,15 +7,15 @@
 #include <cstdlib>
 #include <string>
 
-#include "platform/dialogwindow.h"
+#include "platform/dialoglink.h"
 #include "platform/prompt.h"
 #include "platform/shared.h"
 #include "platform/window.h"
 
 namespace {
 
-platform::DialogWindow* WindowWith(CDataExchange* dx, int id) {
-    platform::DialogWindow* window = dx->m_pDlgWnd != nullptr ? dx->m_pDlgWnd->Window() : nullptr;
+platform::DialogControls* WindowWith(CDataExchange* dx, int id) {
+    platform::DialogControls* window = dx->m_pDlgWnd != nullptr ? dx->m_pDlgWnd->Window() : nullptr;
     return (window != nullptr && window->HasControl(id)) ? window : nullptr;
 }
 
@@ -89,7 +89,7 @@ bool ParseInt(const std::string& text, int& value) {
 }  // namespace
 
 void DDX_Text(CDataExchange* dx, int id, double& value) {
-    platform::DialogWindow* window = WindowWith(dx, id);
+    platform::DialogControls* window = WindowWith(dx, id);
     if (window == nullptr) return;
     if (dx->m_bSaveAndValidate) {
         if (!ParseDouble(window->Text(id), value)) Refuse(dx, "Please enter a number.");
@@ -101,7 +101,7 @@ void DDX_Text(CDataExchange* dx, int id, double& value) {
 }
 
 void DDX_Text(CDataExchange* dx, int id, UINT& value) {
-    platform::DialogWindow* window = WindowWith(dx, id);
+    platform::DialogControls* window = WindowWith(dx, id);
     if (window == nullptr) return;
     if (dx->m_bSaveAndValidate) {
         if (!ParseUnsigned(window->Text(id), value)) Refuse(dx, "Please enter a positive integer.");
@@ -111,7 +111,7 @@ void DDX_Text(CDataExchange* dx, int id, UINT& value) {
 }
 
 void DDX_Text(CDataExchange* dx, int id, int& value) {
-    platform::DialogWindow* window = WindowWith(dx, id);
+    platform::DialogControls* window = WindowWith(dx, id);
     if (window == nullptr) return;
     if (dx->m_bSaveAndValidate) {
         if (!ParseInt(window->Text(id), value)) Refuse(dx, "Please enter an integer.");
@@ -121,21 +121,21 @@ void DDX_Text(CDataExchange* dx, int id, int& value) {
 }
 
 void DDX_Text(CDataExchange* dx, int id, CString& value) {
-    platform::DialogWindow* window = WindowWith(dx, id);
+    platform::DialogControls* window = WindowWith(dx, id);
     if (window == nullptr) return;
     if (dx->m_bSaveAndValidate) value = CString(window->Text(id));
     else window->SetText(id, value.str());
 }
 
 void DDX_Check(CDataExchange* dx, int id, int& value) {
-    platform::DialogWindow* window = WindowWith(dx, id);
+    platform::DialogControls* window = WindowWith(dx, id);
     if (window == nullptr) return;
     if (dx->m_bSaveAndValidate) AfxWriteShared(value, window->Send(id, BM_GETCHECK, 0, 0) == BST_CHECKED ? 1 : 0);
     else window->Send(id, BM_SETCHECK, value != 0 ? BST_CHECKED : BST_UNCHECKED, 0);
 }
 
 void DDX_Radio(CDataExchange* dx, int id, int& value) {
-    platform::DialogWindow* window = WindowWith(dx, id);
+    platform::DialogControls* window = WindowWith(dx, id);
     if (window == nullptr) return;
     const std::vector<int> group = window->RadioGroupOf(id);
     if (dx->m_bSaveAndValidate) {
@@ -150,5 +150,5 @@ void DDX_Radio(CDataExchange* dx, int id, int& value) {
 }
 
 void DDX_Control(CDataExchange* dx, int id, CWnd& control) {
-    if (platform::DialogWindow* window = WindowWith(dx, id)) window->Bind(id, &control);
+    if (WindowWith(dx, id) != nullptr) control.SubclassDlgItem(static_cast<UINT>(id), dx->m_pDlgWnd);
 }

@@ -19,6 +19,7 @@
 #include "platform/fonts.h"
 #include "platform/prompt.h"
 #include "platform/qtaccess.h"
+#include "platform/window.h"
 
 namespace platform {
 namespace {
@@ -35,30 +36,65 @@ std::vector<DialogWindow*>& OpenWindows() {
 // desktop's statics do, so a right click on a plot reaches the dialog's handler.
 class StaticWidget : public QLabel {
 public:
-    StaticWidget(DialogWindow* window, int id) : QLabel(window), m_window(window), m_id(id) {
+    StaticWidget(QWidget* window, DialogOwner& owner, int id) : QLabel(window), m_owner(owner), m_id(id) {
         setAttribute(Qt::WA_TransparentForMouseEvents);
     }
 
 protected:
     void paintEvent(QPaintEvent* event) override {
-        CWnd* wnd = m_id > 0 ? m_window->Proxy(m_id) : nullptr;
-        if (wnd == nullptr || !wnd->PaintsItself()) {
+        if (m_id <= 0 || !m_owner.PaintFromWindow(m_id)) {
             QLabel::paintEvent(event);
             return;
         }
-        wnd->OnPaint();
         QPainter painter(this);
         drawFrame(&painter);
     }
 
 private:
-    DialogWindow* m_window;
+    DialogOwner& m_owner;
     int m_id;
 };
 
 QString QtText(const char* text) { return QString::fromLatin1(text != nullptr ? text : ""); }
 
+// Where a line goes among count lines kept in order, ignoring case: after the last one that does not sort
+// after it, so that equal lines stay in the order they came.
+template <class LineAt>
+int SortedPlace(int count, const QString& line, LineAt lineAt) {
+    int low = 0, high = count;
+    while (low < high) {
+        const int middle = (low + high) / 2;
+        if (QString::compare(lineAt(middle), line, Qt::CaseInsensitive) <= 0) low = middle + 1;
+        else high = middle;
+    }
+    return low;
+}
+
+bool CarriesLine(UINT message) {
+    return message == LB_ADDSTRING || message == LB_INSERTSTRING || message == CB_ADDSTRING ||
+           message == CB_INSERTSTRING;
+}
+
+// The index a line message puts its line at, or -1 for a message that puts none.
+template <class LineAt>
+int LinePlace(UINT message, WPARAM wParam, int count, bool sorted, const QString& line, LineAt lineAt) {
+    if (!CarriesLine(message)) return -1;
+    if (message == LB_ADDSTRING || message == CB_ADDSTRING) return sorted ? SortedPlace(count, line, lineAt) : count;
+    const int index = static_cast<int>(wParam);
+    return (index < 0 || index > count) ? count : index;
+}
+
 }  // namespace
+
+std::shared_ptr<DialogControls> OpenDialogWindow(DialogOwner& owner, const DialogTemplate& tpl, bool modal) {
+    if (QApplication::instance() == nullptr) return nullptr;
+    return std::make_shared<DialogWindow>(owner, tpl, modal ? ActiveDialogWidget() : nullptr);
+}
+
+QWidget* WidgetOf(const CWnd* wnd) {
+    auto* window = wnd != nullptr ? dynamic_cast<DialogWindow*>(wnd->Window()) : nullptr;
+    return window != nullptr ? window->Widget(wnd->GetDlgCtrlID()) : nullptr;
+}
 
 QWidget* ActiveDialogWidget() {
     if (QWidget* modal = QApplication::activeModalWidget()) return modal;
@@ -66,7 +102,7 @@ QWidget* ActiveDialogWidget() {
     return windows.empty() ? nullptr : windows.back();
 }
 
-DialogWindow::DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* parent)
+DialogWindow::DialogWindow(DialogOwner& owner, const DialogTemplate& tpl, QWidget* parent)
     : QDialog(parent), m_owner(owner), m_template(tpl), m_systemMenu(std::make_unique<CMenu>()) {
     setWindowTitle(QtText(tpl.caption));
     setFont(StandInFont(tpl.fontFace, tpl.fontPoints * 10, false));
@@ -74,18 +110,12 @@ DialogWindow::DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* p
     setFixedSize(DluToPixelsX(tpl.cx), DluToPixelsY(tpl.cy));
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowCloseButtonHint);
-    owner->AttachToWindow(this, 0);
     for (int i = 0; i < tpl.controlCount; ++i) {
         const ControlTemplate& control = tpl.controls[i];
         QWidget* widget = CreateControl(control);
         widget->setGeometry(ControlRect(control));
         if (control.style & WS_DISABLED) widget->setEnabled(false);
-        if (control.id > 0) {
-            m_controls[control.id] = widget;
-            auto proxy = std::make_unique<CWnd>();
-            proxy->AttachToWindow(this, control.id);
-            m_proxies[control.id] = std::move(proxy);
-        }
+        if (control.id > 0) m_controls[control.id] = widget;
         Connect(control, widget);
     }
     OpenWindows().push_back(this);
@@ -94,8 +124,6 @@ DialogWindow::DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* p
 DialogWindow::~DialogWindow() {
     auto& windows = OpenWindows();
     windows.erase(std::remove(windows.begin(), windows.end(), this), windows.end());
-    for (auto& [id, wrapper] : m_bound) wrapper->AttachToWindow(nullptr, id);
-    if (m_owner->Window() == this) m_owner->AttachToWindow(nullptr, 0);
 }
 
 void DialogWindow::ComputeBaseUnits() {
@@ -145,12 +173,12 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return box;
         }
         case ControlKind::Icon: {
-            auto* label = new StaticWidget(this, control.id);
+            auto* label = new StaticWidget(this, m_owner, control.id);
             label->setPixmap(QPixmap::fromImage(IconImage(QString::fromLatin1(control.caption).toInt())));
             return label;
         }
         case ControlKind::Static: {
-            auto* label = new StaticWidget(this, control.id);
+            auto* label = new StaticWidget(this, m_owner, control.id);
             label->setText(caption);
             label->setAlignment((control.style & SS_CENTER) ? Qt::AlignHCenter | Qt::AlignTop
                                                             : Qt::AlignLeft | Qt::AlignTop);
@@ -222,21 +250,7 @@ QWidget* DialogWindow::Control(int id) const {
     return found == m_controls.end() ? nullptr : found->second;
 }
 
-CWnd* DialogWindow::Proxy(int id) const {
-    if (id == 0) return m_owner;
-    auto bound = m_bound.find(id);
-    if (bound != m_bound.end()) return bound->second;
-    auto found = m_proxies.find(id);
-    return found == m_proxies.end() ? nullptr : found->second.get();
-}
-
-void DialogWindow::Bind(int id, CWnd* wrapper) {
-    auto bound = m_bound.find(id);
-    if (bound != m_bound.end() && bound->second == wrapper) return;  // exchanges repeat: bind once
-    if (Control(id) == nullptr) return;
-    wrapper->AttachToWindow(this, id);
-    m_bound[id] = wrapper;
-}
+const void* DialogWindow::ControlKey(int id) const { return Widget(id); }
 
 std::vector<int> DialogWindow::RadioGroupOf(int id) const {
     int index = -1;
@@ -282,11 +296,11 @@ bool DialogWindow::SelectItem(int id, int index) {
     return true;
 }
 
-void DialogWindow::Deliver(const AfxMessage& message) { m_owner->OnWndMsg(message); }
+void DialogWindow::Deliver(const AfxMessage& message) { m_owner.DeliverFromWindow(message); }
 
 void DialogWindow::SetText(int id, const std::string& text) {
     const QString value = QString::fromStdString(text);
-    QWidget* widget = id == 0 ? this : Control(id);
+    QWidget* widget = Widget(id);
     if (widget == this) setWindowTitle(value);
     else if (auto* edit = qobject_cast<QLineEdit*>(widget)) edit->setText(value);
     else if (auto* button = qobject_cast<QAbstractButton*>(widget)) button->setText(value);
@@ -296,7 +310,7 @@ void DialogWindow::SetText(int id, const std::string& text) {
 }
 
 std::string DialogWindow::Text(int id) const {
-    const QWidget* widget = id == 0 ? this : Control(id);
+    const QWidget* widget = Widget(id);
     QString value;
     if (widget == this) value = windowTitle();
     else if (auto* edit = qobject_cast<const QLineEdit*>(widget)) value = edit->text();
@@ -309,17 +323,43 @@ std::string DialogWindow::Text(int id) const {
     return value.toStdString();
 }
 
+RECT DialogWindow::ClientRect(int id) const {
+    const QWidget* widget = Widget(id);
+    if (widget == nullptr) return RECT{};
+    QRect client = widget->rect();
+    if (auto* frame = qobject_cast<const QFrame*>(widget)) client = frame->contentsRect();
+    return RECT{0, 0, client.width(), client.height()};
+}
+
+RECT DialogWindow::ScreenRect(int id) const {
+    const QWidget* widget = Widget(id);
+    if (widget == nullptr) return RECT{};
+    const QPoint topLeft = widget->mapToGlobal(QPoint(0, 0));
+    return RECT{topLeft.x(), topLeft.y(), topLeft.x() + widget->width(), topLeft.y() + widget->height()};
+}
+
+POINT DialogWindow::ToScreen(int id, POINT point) const {
+    const QWidget* widget = Widget(id);
+    if (widget == nullptr) return point;
+    const QPoint global = widget->mapToGlobal(QPoint(point.x, point.y));
+    return POINT{global.x(), global.y()};
+}
+
+void DialogWindow::Repaint(int id) {
+    if (QWidget* widget = Widget(id)) widget->update();
+}
+
 void DialogWindow::SetEnabled(int id, bool enabled) {
-    if (QWidget* widget = id == 0 ? this : Control(id)) widget->setEnabled(enabled);
+    if (QWidget* widget = Widget(id)) widget->setEnabled(enabled);
 }
 
 bool DialogWindow::IsEnabled(int id) const {
-    const QWidget* widget = id == 0 ? this : Control(id);
+    const QWidget* widget = Widget(id);
     return widget != nullptr && widget->isEnabled();
 }
 
 LRESULT DialogWindow::Send(int id, UINT message, WPARAM wParam, LPARAM lParam) {
-    QWidget* widget = id == 0 ? this : Control(id);
+    QWidget* widget = Widget(id);
     if (message == WM_SETICON) {
         setWindowIcon(IconOf(static_cast<int>(lParam)));
         return 0;
@@ -329,15 +369,18 @@ LRESULT DialogWindow::Send(int id, UINT message, WPARAM wParam, LPARAM lParam) {
         if (message == BM_GETCHECK) return button->isChecked() ? BST_CHECKED : BST_UNCHECKED;
         return 0;
     }
+    const ControlTemplate* control = AfxFindControlTemplate(m_template, id);
+    const UINT style = control != nullptr ? control->style : 0;
     if (auto* list = qobject_cast<QListWidget*>(widget)) {
         const int count = list->count();
+        const QString line = QtText(CarriesLine(message) ? reinterpret_cast<const char*>(lParam) : nullptr);
+        const int place = LinePlace(message, wParam, count, (style & LBS_SORT) != 0, line,
+                                    [list](int i) { return list->item(i)->text(); });
+        if (place >= 0) {
+            list->insertItem(place, line);
+            return place;
+        }
         switch (message) {
-            case LB_INSERTSTRING: {
-                const int index = (static_cast<int>(wParam) < 0 || static_cast<int>(wParam) > count)
-                                      ? count : static_cast<int>(wParam);
-                list->insertItem(index, QString::fromLatin1(reinterpret_cast<const char*>(lParam)));
-                return index;
-            }
             case LB_RESETCONTENT: list->clear(); return 0;
             case LB_SETCURSEL:
                 list->setCurrentRow(static_cast<int>(wParam));
@@ -350,13 +393,14 @@ LRESULT DialogWindow::Send(int id, UINT message, WPARAM wParam, LPARAM lParam) {
     }
     if (auto* combo = qobject_cast<QComboBox*>(widget)) {
         const int count = combo->count();
+        const QString line = QtText(CarriesLine(message) ? reinterpret_cast<const char*>(lParam) : nullptr);
+        const int place = LinePlace(message, wParam, count, (style & CBS_SORT) != 0, line,
+                                    [combo](int i) { return combo->itemText(i); });
+        if (place >= 0) {
+            combo->insertItem(place, line);
+            return place;
+        }
         switch (message) {
-            case CB_INSERTSTRING: {
-                const int index = (static_cast<int>(wParam) < 0 || static_cast<int>(wParam) > count)
-                                      ? count : static_cast<int>(wParam);
-                combo->insertItem(index, QString::fromLatin1(reinterpret_cast<const char*>(lParam)));
-                return index;
-            }
             case CB_RESETCONTENT: combo->clear(); return 0;
             case CB_SETCURSEL: combo->setCurrentIndex(static_cast<int>(wParam)); return combo->currentIndex();
             case CB_GETCURSEL: return combo->currentIndex();

@@ -1,5 +1,6 @@
-// The Qt side of a dialog (layer internals): a QDialog built from a dialog template, with one widget per
-// control at the rectangle the template gives, and the routing of user events into the dialog's message map.
+// The Qt side of a dialog: a QDialog built from a dialog template, with one widget per control at the
+// rectangle the template gives, and the routing of user events to the dialog's owner. The wrappers reach it
+// only through DialogControls (dialoglink.h).
 #pragma once
 
 #include <QDialog>
@@ -9,52 +10,54 @@
 #include <string>
 #include <vector>
 
+#include "platform/dialoglink.h"
 #include "platform/templates.h"
-#include "platform/window.h"
 
+class CWnd;
 class QWidget;
 
 namespace platform {
 
-class DialogWindow : public QDialog {
+class DialogWindow : public QDialog, public DialogControls {
 public:
-    DialogWindow(CDialog* owner, const DialogTemplate& tpl, QWidget* parent);
+    DialogWindow(DialogOwner& owner, const DialogTemplate& tpl, QWidget* parent);
     ~DialogWindow() override;
 
-    CDialog* Owner() const { return m_owner; }
-    const DialogTemplate& Template() const { return m_template; }
     QWidget* Control(int id) const;
-    CWnd* Proxy(int id) const;
-    bool HasControl(int id) const { return Control(id) != nullptr; }
-    // A wrapper object bound by DDX_Control stands for the control from now on.
-    void Bind(int id, CWnd* wrapper);
+    // Control id, or the dialog itself for 0.
+    QWidget* Widget(int id) const { return id == 0 ? const_cast<DialogWindow*>(this) : Control(id); }
 
     int DluToPixelsX(int dlu) const;
     int DluToPixelsY(int dlu) const;
     // Where a control of the template stands, in pixels of the dialog.
     QRect ControlRect(const ControlTemplate& control) const;
 
-    // The controls of the radio group that contains id, in template order.
-    std::vector<int> RadioGroupOf(int id) const;
+    bool HasControl(int id) const override { return Control(id) != nullptr; }
+    const void* ControlKey(int id) const override;
+    std::vector<int> RadioGroupOf(int id) const override;
 
-    // What a user does, and what the scripted runner does in a user's place.
-    // A click on a disabled or unknown control does nothing and returns false.
-    bool ClickControl(int id);
-    bool TypeText(int id, const std::string& text);
-    bool SelectItem(int id, int index);
-    // Delivers a message to the owner's message map (and the default processing when unhandled).
-    void Deliver(const AfxMessage& message);
+    bool ClickControl(int id) override;
+    bool TypeText(int id, const std::string& text) override;
+    bool SelectItem(int id, int index) override;
+    void Deliver(const AfxMessage& message) override;
 
-    // Control operations on the main thread.
-    void SetText(int id, const std::string& text);
-    std::string Text(int id) const;
-    void SetEnabled(int id, bool enabled);
-    bool IsEnabled(int id) const;
-    LRESULT Send(int id, UINT message, WPARAM wParam, LPARAM lParam);
-    std::vector<std::string> Items(int id) const;
-    int SelectedIndex(int id) const;
+    void SetText(int id, const std::string& text) override;
+    std::string Text(int id) const override;
+    void SetEnabled(int id, bool enabled) override;
+    bool IsEnabled(int id) const override;
+    LRESULT Send(int id, UINT message, WPARAM wParam, LPARAM lParam) override;
+    std::vector<std::string> Items(int id) const override;
+    int SelectedIndex(int id) const override;
 
-    CMenu& SystemMenu() { return *m_systemMenu; }
+    RECT ClientRect(int id) const override;
+    RECT ScreenRect(int id) const override;
+    POINT ToScreen(int id, POINT point) const override;
+    void Repaint(int id) override;
+    bool IsMinimized() const override { return isMinimized(); }
+
+    void RunModalLoop() override { exec(); }
+    void End(int result) override { done(result); }
+    CMenu& SystemMenu() override { return *m_systemMenu; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -70,18 +73,17 @@ private:
     void CheckRadioInGroup(int id);
     void ShowSystemMenu();
 
-    CDialog* m_owner;
+    DialogOwner& m_owner;
     const DialogTemplate& m_template;
     int m_baseX = 6;   // average character width of the dialog font, pixels
     int m_baseY = 13;  // character height of the dialog font, pixels
     std::map<int, QWidget*> m_controls;
-    std::map<int, std::unique_ptr<CWnd>> m_proxies;
-    std::map<int, CWnd*> m_bound;
     std::unique_ptr<CMenu> m_systemMenu;
-    bool m_closing = false;
 };
 
-// The window whose modal loop runs now, or the main dialog: the parent of new dialogs.
+// The window whose modal loop runs now, or the newest open dialog: the parent of new dialogs.
 QWidget* ActiveDialogWidget();
+// The widget of a control or dialog wrapper, or null when it has no window.
+QWidget* WidgetOf(const CWnd* wnd);
 
 }  // namespace platform

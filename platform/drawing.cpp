@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "platform/dcstate.h"
-#include "platform/qtaccess.h"
+#include "platform/dialogwindow.h"
 
 namespace platform {
 
@@ -156,8 +156,6 @@ COLORREF CBitmap::GetPixel(int x, int y) const {
     return platform::FromQRgb(image->pixel(qRound(x * r), qRound(y * r)));
 }
 
-void* CBitmap::Image() const { return m_impl->image.get(); }
-
 // ---- device contexts --------------------------------------------------------------------------------------
 
 CDC::CDC() : m_state(std::make_unique<DcState>()) {}
@@ -221,8 +219,6 @@ COLORREF CDC::SetTextColor(COLORREF color) {
     m_state->textColor = color & 0x00FFFFFF;
     return old;
 }
-
-void* CDC::Painter() const { return m_state->ActivePainter(); }
 
 CPaintDC::CPaintDC(CWnd* window) {
     m_state->kind = DcState::Kind::Paint;

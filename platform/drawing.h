@@ -1,4 +1,4 @@
-// Drawing: device contexts, pens, brushes, fonts and bitmaps over an image.
+// Drawing: device contexts over an image, drawing with the objects of gdiobjects.h.
 //
 // A CPaintDC paints a control during its paint; a memory DC (CreateCompatibleDC) draws into a CBitmap, and
 // BitBlt copies it. Coordinates are pixels of the control's client area. Lines leave out their last pixel
@@ -7,23 +7,15 @@
 
 #include <memory>
 
+#include "platform/gdiobjects.h"
 #include "platform/strings.h"
 #include "platform/types.h"
 
 class CWnd;
-class CDC;
 
 namespace platform {
 struct DcState;
 }
-
-constexpr int PS_SOLID = 0;
-constexpr int PS_DASH = 1;
-constexpr int PS_DOT = 2;
-constexpr int PS_NULL = 5;
-
-constexpr int TRANSPARENT = 1;
-constexpr int OPAQUE = 2;
 
 constexpr DWORD SRCCOPY = 0x00CC0020;
 
@@ -32,67 +24,6 @@ constexpr UINT DT_CENTER = 0x1;
 constexpr UINT DT_RIGHT = 0x2;
 constexpr UINT DT_VCENTER = 0x4;
 constexpr UINT DT_SINGLELINE = 0x20;
-
-class CGdiObject {
-public:
-    virtual ~CGdiObject() = default;
-};
-
-class CPen : public CGdiObject {
-public:
-    CPen() = default;
-    CPen(int style, int width, COLORREF color) { CreatePen(style, width, color); }
-    BOOL CreatePen(int style, int width, COLORREF color);
-    BOOL DeleteObject() { m_created = false; return TRUE; }
-
-    int m_style = PS_SOLID;
-    int m_width = 1;
-    COLORREF m_color = 0;
-    bool m_created = false;
-};
-
-class CBrush : public CGdiObject {
-public:
-    CBrush() = default;
-    explicit CBrush(COLORREF color) { CreateSolidBrush(color); }
-    BOOL CreateSolidBrush(COLORREF color);
-    BOOL DeleteObject() { m_created = false; return TRUE; }
-
-    COLORREF m_color = 0;
-    bool m_created = false;
-};
-
-class CFont : public CGdiObject {
-public:
-    // pointSize is in tenths of a point (110 is 11 points). Faces that this system lacks fall back to
-    // metric-compatible ones ("Times New Roman" to a serif, "MS Sans Serif" to a sans face).
-    BOOL CreatePointFont(int pointSize, LPCTSTR faceName, CDC* dc = nullptr);
-    BOOL DeleteObject() { m_created = false; return TRUE; }
-
-    int m_pointSizeTenths = 100;
-    CString m_face;
-    bool m_created = false;
-};
-
-class CBitmap : public CGdiObject {
-public:
-    CBitmap();
-    ~CBitmap() override;
-    BOOL CreateCompatibleBitmap(CDC* dc, int width, int height);
-    BOOL DeleteObject();
-    // Width and height in pixels; 0 before creation.
-    int Width() const;
-    int Height() const;
-    // The pixel at (x, y) as RGB, for tests; 0 outside.
-    COLORREF GetPixel(int x, int y) const;
-    // Layer internals: the image behind the bitmap (a QImage).
-    void* Image() const;
-
-private:
-    struct Impl;
-    std::unique_ptr<Impl> m_impl;
-    friend class CDC;
-};
 
 class CDC {
 public:
@@ -113,7 +44,6 @@ public:
     int SetBkMode(int mode);
     COLORREF SetTextColor(COLORREF color);
 
-    void FillRect(const RECT* rect, CBrush* brush);
     void FillSolidRect(const RECT* rect, COLORREF color);
     CPoint MoveTo(int x, int y);
     BOOL LineTo(int x, int y);
@@ -125,10 +55,6 @@ public:
     BOOL DrawIcon(int x, int y, HICON icon);
     BOOL BitBlt(int x, int y, int width, int height, CDC* source, int xSource, int ySource, DWORD rop);
 
-    // The handle-like value a message such as WM_ICONERASEBKGND carries for this DC.
-    WPARAM GetSafeHdc() const { return reinterpret_cast<WPARAM>(this); }
-    // Layer internals: the painter (a QPainter) this DC draws with now, or null when it has no surface.
-    void* Painter() const;
 
 protected:
     std::unique_ptr<platform::DcState> m_state;

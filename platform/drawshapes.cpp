@@ -57,11 +57,6 @@ void DrawShape(DcState& state, const std::vector<raster::Span>& rows) {
 
 }  // namespace
 
-void CDC::FillRect(const RECT* rect, CBrush* brush) {
-    if (!rect || !brush || !brush->m_created) return;
-    FillSolidRect(rect, brush->m_color);
-}
-
 void CDC::FillSolidRect(const RECT* rect, COLORREF color) {
     if (!rect) return;
     const raster::Bounds surface = m_state->Surface();

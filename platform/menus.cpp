@@ -1,7 +1,6 @@
 // Menus, file dialogs, string resources and the desktop's "open".
 #include <QApplication>
 
-#include "platform/dialogwindow.h"
 #include "platform/prompt.h"
 #include "platform/templates.h"
 #include "platform/window.h"
@@ -14,7 +13,6 @@ BOOL CMenu::LoadMenu(UINT resourceId) {
     if (tpl == nullptr) return FALSE;
     DestroyMenu();
     auto popup = std::make_unique<CMenu>();
-    popup->m_name = tpl->popupName;
     for (int i = 0; i < tpl->itemCount; ++i) popup->AppendMenu(MF_STRING, tpl->items[i].id, tpl->items[i].text);
     m_items.push_back(Item{0, 0, tpl->popupName});
     m_popups.push_back(std::move(popup));
@@ -52,8 +50,8 @@ bool CMenu::HasItem(UINT id) const {
     return false;
 }
 
-CFileDialog::CFileDialog(BOOL openFileDialog, LPCTSTR defaultExt, LPCTSTR fileName, DWORD, LPCTSTR filter, CWnd*)
-    : m_open(openFileDialog), m_defaultExt(defaultExt), m_filter(filter), m_path(fileName) {}
+CFileDialog::CFileDialog(BOOL openFileDialog, LPCTSTR, LPCTSTR fileName, DWORD, LPCTSTR filter, CWnd*)
+    : m_open(openFileDialog), m_filter(filter), m_path(fileName) {}
 
 INT_PTR CFileDialog::DoModal() { return AfxPromptHook().RunFileDialog(*this); }
 

@@ -29,6 +29,8 @@ public:
 // Installs a hook; null restores the interactive one. The caller keeps ownership.
 void AfxSetPromptHook(CPromptHook* hook);
 CPromptHook& AfxPromptHook();
+// The hook that shows prompts to the user (interactive.cpp).
+CPromptHook& AfxInteractivePrompts();
 
 // The caption of message boxes that the layer raises itself (data exchange prompts).
 const char* AfxAppTitle();

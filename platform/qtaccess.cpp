@@ -5,16 +5,9 @@
 #include <QPixmap>
 #include <cstring>
 
-#include "platform/dialogwindow.h"
 #include "platform/templates.h"
 
 namespace platform {
-
-QWidget* WidgetOf(const CWnd* wnd) {
-    if (wnd == nullptr || wnd->Window() == nullptr) return nullptr;
-    DialogWindow* window = wnd->Window();
-    return wnd->GetDlgCtrlID() == 0 ? window : window->Control(wnd->GetDlgCtrlID());
-}
 
 QImage IconImage(int iconId) {
     const IconTemplate* icon = AfxFindIconTemplate(iconId);

@@ -2,7 +2,6 @@
 
 #include <cstdarg>
 #include <cstdio>
-#include <cstring>
 #include <vector>
 
 void CString::Format(const char* format, ...) {
@@ -32,11 +31,6 @@ int CString::ReverseFind(char ch) const {
     return pos == std::string::npos ? -1 : static_cast<int>(pos);
 }
 
-int CString::Find(const char* text, int start) const {
-    if (start < 0 || static_cast<size_t>(start) > m_text.size()) return -1;
-    const size_t pos = m_text.find(text, static_cast<size_t>(start));
-    return pos == std::string::npos ? -1 : static_cast<int>(pos);
-}
 
 CString CString::Left(int count) const {
     if (count <= 0) return CString();
@@ -61,13 +55,3 @@ CString CString::Mid(int first, int count) const {
     return CString(m_text.substr(static_cast<size_t>(first), static_cast<size_t>(count)));
 }
 
-void CString::TrimLeft() {
-    size_t i = 0;
-    while (i < m_text.size() && std::strchr(" \t\r\n", m_text[i]) != nullptr && m_text[i] != '\0') ++i;
-    m_text.erase(0, i);
-}
-
-void CString::TrimRight() {
-    while (!m_text.empty() && std::strchr(" \t\r\n", m_text.back()) != nullptr && m_text.back() != '\0')
-        m_text.pop_back();
-}

@@ -27,13 +27,10 @@ public:
     // Index of the last occurrence of ch, or -1.
     int ReverseFind(char ch) const;
     // Index of the first occurrence of text at or after start, or -1.
-    int Find(const char* text, int start = 0) const;
     CString Left(int count) const;
     CString Right(int count) const;
     CString Mid(int first) const;
     CString Mid(int first, int count) const;
-    void TrimLeft();
-    void TrimRight();
 
     operator const char*() const { return m_text.c_str(); }  // NOLINT: LPCTSTR conversion
     const std::string& str() const { return m_text; }

@@ -90,7 +90,9 @@ constexpr UINT BM_SETCHECK = 0x00F1;
 constexpr int BST_UNCHECKED = 0;
 constexpr int BST_CHECKED = 1;
 
-// List box messages.
+// List box messages. ADDSTRING puts a line in its sorted place in a sorted box, at the end in others;
+// INSERTSTRING puts it at the index given, sorted box or not.
+constexpr UINT LB_ADDSTRING = 0x0180;
 constexpr UINT LB_INSERTSTRING = 0x0181;
 constexpr UINT LB_RESETCONTENT = 0x0184;
 constexpr UINT LB_SETCURSEL = 0x0186;
@@ -98,6 +100,7 @@ constexpr UINT LB_GETCURSEL = 0x0188;
 constexpr UINT LB_GETCOUNT = 0x018B;
 
 // Combo box messages.
+constexpr UINT CB_ADDSTRING = 0x0143;
 constexpr UINT CB_GETCOUNT = 0x0146;
 constexpr UINT CB_GETCURSEL = 0x0147;
 constexpr UINT CB_INSERTSTRING = 0x014A;

@@ -1,34 +1,37 @@
 #include "platform/window.h"
 
-#include <QApplication>
-#include <QFrame>
-#include <QPointer>
-#include <QWidget>
-
-#include "platform/dialogwindow.h"
 #include "platform/prompt.h"
 #include "platform/templates.h"
 #include "platform/thread.h"
 #include "platform/uiqueue.h"
 
-using platform::DialogWindow;
+using platform::DialogControls;
 
 namespace {
 
 constexpr UINT SC_CLOSE = 0xF060;
 
 // Keys under which queued operations of one control coalesce: one per control and kind of operation.
-const void* TextKey(QWidget* widget) { return widget; }
-const void* PaintKey(QWidget* widget) { return reinterpret_cast<const char*>(widget) + 1; }
+const void* TextKey(const DialogControls& window, int id) { return window.ControlKey(id); }
+const void* PaintKey(const DialogControls& window, int id) {
+    const void* key = window.ControlKey(id);
+    return key != nullptr ? static_cast<const char*>(key) + 1 : nullptr;
+}
+
+// Messages whose lParam is the text of a line.
+bool CarriesText(UINT message) {
+    return message == LB_ADDSTRING || message == LB_INSERTSTRING || message == CB_ADDSTRING ||
+           message == CB_INSERTSTRING;
+}
 
 // Messages that only change a control: a worker may queue them without waiting for their result.
 bool IsFireAndForget(UINT message) {
     switch (message) {
-        case BM_SETCHECK: case LB_INSERTSTRING: case LB_RESETCONTENT: case LB_SETCURSEL:
-        case CB_INSERTSTRING: case CB_RESETCONTENT: case CB_SETCURSEL: case WM_SETICON:
+        case BM_SETCHECK: case LB_RESETCONTENT: case LB_SETCURSEL: case CB_RESETCONTENT: case CB_SETCURSEL:
+        case WM_SETICON:
             return true;
         default:
-            return false;
+            return CarriesText(message);
     }
 }
 
@@ -47,8 +50,21 @@ void CWnd::DoDataExchange(CDataExchange*) {}
 
 CWnd* CWnd::GetDlgItem(int id) const {
     if (m_window == nullptr) return &DetachedWindow();
-    CWnd* item = m_window->Proxy(id);
+    CWnd* item = Item(id);
     return item != nullptr ? item : &DetachedWindow();
+}
+
+BOOL CWnd::SubclassDlgItem(UINT id, CWnd* parent) {
+    const int control = static_cast<int>(id);
+    if (parent == nullptr || parent->m_window == nullptr || !parent->m_window->HasControl(control)) return FALSE;
+    Attach(*this, parent->m_window, control);
+    parent->BindItem(control, this);
+    return TRUE;
+}
+
+void CWnd::Attach(CWnd& wrapper, DialogControls* window, int id) {
+    wrapper.m_window = window;
+    wrapper.m_nID = id;
 }
 
 void CWnd::SetWindowText(LPCTSTR text) {
@@ -58,10 +74,10 @@ void CWnd::SetWindowText(LPCTSTR text) {
         m_window->SetText(m_nID, value);
         return;
     }
-    QPointer<DialogWindow> window(m_window);
+    std::weak_ptr<DialogControls> window = m_window->weak_from_this();
     const int id = m_nID;
-    platform::PostToGui([window, id, value] { if (window) window->SetText(id, value); },
-                        TextKey(id == 0 ? window.data() : window->Control(id)));
+    platform::PostToGui([window, id, value] { if (auto open = window.lock()) open->SetText(id, value); },
+                        TextKey(*m_window, id));
 }
 
 void CWnd::GetWindowText(CString& text) const {
@@ -81,17 +97,10 @@ BOOL CWnd::EnableWindow(BOOL enable) {
         m_window->SetEnabled(m_nID, enable != FALSE);
         return was ? FALSE : TRUE;
     }
-    QPointer<DialogWindow> window(m_window);
+    std::weak_ptr<DialogControls> window = m_window->weak_from_this();
     const int id = m_nID;
-    platform::PostToGui([window, id, enable] { if (window) window->SetEnabled(id, enable != FALSE); });
+    platform::PostToGui([window, id, enable] { if (auto open = window.lock()) open->SetEnabled(id, enable != FALSE); });
     return FALSE;
-}
-
-BOOL CWnd::IsWindowEnabled() const {
-    if (m_window == nullptr) return FALSE;
-    bool enabled = false;
-    platform::CallOnGui([&] { enabled = m_window->IsEnabled(m_nID); });
-    return enabled ? TRUE : FALSE;
 }
 
 LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam) {
@@ -99,14 +108,13 @@ LRESULT CWnd::SendMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (!AfxIsGuiThread() && IsFireAndForget(message)) {
         // The text behind a string message must outlive the caller's buffer.
         std::string text;
-        if (message == LB_INSERTSTRING || message == CB_INSERTSTRING)
-            text = reinterpret_cast<const char*>(lParam);
-        QPointer<DialogWindow> window(m_window);
+        if (CarriesText(message)) text = reinterpret_cast<const char*>(lParam);
+        std::weak_ptr<DialogControls> window = m_window->weak_from_this();
         const int id = m_nID;
         platform::PostToGui([window, id, message, wParam, lParam, text] {
-            if (!window) return;
-            const bool isString = message == LB_INSERTSTRING || message == CB_INSERTSTRING;
-            window->Send(id, message, wParam, isString ? reinterpret_cast<LPARAM>(text.c_str()) : lParam);
+            auto open = window.lock();
+            if (!open) return;
+            open->Send(id, message, wParam, CarriesText(message) ? reinterpret_cast<LPARAM>(text.c_str()) : lParam);
         });
         return 0;
     }
@@ -144,55 +152,36 @@ BOOL CWnd::UpdateData(BOOL saveAndValidate) {
 
 void CWnd::InvalidateRect(const RECT*, BOOL) {
     if (m_window == nullptr) return;
-    QPointer<DialogWindow> window(m_window);
+    if (AfxIsGuiThread()) {
+        m_window->Repaint(m_nID);
+        return;
+    }
+    std::weak_ptr<DialogControls> window = m_window->weak_from_this();
     const int id = m_nID;
-    auto repaint = [window, id] {
-        if (!window) return;
-        if (QWidget* widget = id == 0 ? window.data() : window->Control(id)) widget->update();
-    };
-    if (AfxIsGuiThread()) repaint();
-    else platform::PostToGui(repaint, PaintKey(id == 0 ? window.data() : window->Control(id)));
+    platform::PostToGui([window, id] { if (auto open = window.lock()) open->Repaint(id); }, PaintKey(*m_window, id));
 }
 
 void CWnd::GetClientRect(RECT* rect) const {
     *rect = RECT{};
     if (m_window == nullptr) return;
-    platform::CallOnGui([&] {
-        QWidget* widget = m_nID == 0 ? m_window : m_window->Control(m_nID);
-        if (widget == nullptr) return;
-        QRect client = widget->rect();
-        if (auto* frame = qobject_cast<QFrame*>(widget)) client = frame->contentsRect();
-        rect->right = client.width();
-        rect->bottom = client.height();
-    });
+    platform::CallOnGui([&] { *rect = m_window->ClientRect(m_nID); });
 }
 
 void CWnd::GetWindowRect(RECT* rect) const {
     *rect = RECT{};
     if (m_window == nullptr) return;
-    platform::CallOnGui([&] {
-        QWidget* widget = m_nID == 0 ? m_window : m_window->Control(m_nID);
-        if (widget == nullptr) return;
-        const QPoint topLeft = widget->mapToGlobal(QPoint(0, 0));
-        *rect = RECT{topLeft.x(), topLeft.y(), topLeft.x() + widget->width(), topLeft.y() + widget->height()};
-    });
+    platform::CallOnGui([&] { *rect = m_window->ScreenRect(m_nID); });
 }
 
 void CWnd::ClientToScreen(POINT* point) const {
     if (m_window == nullptr) return;
-    platform::CallOnGui([&] {
-        QWidget* widget = m_nID == 0 ? m_window : m_window->Control(m_nID);
-        if (widget == nullptr) return;
-        const QPoint global = widget->mapToGlobal(QPoint(point->x, point->y));
-        point->x = global.x();
-        point->y = global.y();
-    });
+    platform::CallOnGui([&] { *point = m_window->ToScreen(m_nID, *point); });
 }
 
 BOOL CWnd::IsIconic() const {
     if (m_window == nullptr) return FALSE;
     bool minimized = false;
-    platform::CallOnGui([&] { minimized = m_window->isMinimized(); });
+    platform::CallOnGui([&] { minimized = m_window->IsMinimized(); });
     return minimized ? TRUE : FALSE;
 }
 
@@ -218,31 +207,73 @@ bool CWnd::OnWndMsg(const AfxMessage&) { return false; }
 
 CDialog::CDialog(UINT templateId, CWnd*) : m_templateId(templateId) {}
 
-CDialog::~CDialog() { DestroyWindowNow(); }
+// The members bound by DDX_Control are gone by now: the window is closed without touching them.
+CDialog::~CDialog() {
+    m_boundItems.clear();
+    CloseWindow();
+}
 
 INT_PTR CDialog::DoModal() {
-    const DialogTemplate* tpl = AfxFindDialogTemplate(static_cast<int>(m_templateId));
-    if (tpl == nullptr || QApplication::instance() == nullptr) return -1;
-    auto window = std::make_unique<DialogWindow>(this, *tpl, platform::ActiveDialogWidget());
-    m_ended = false;
-    m_result = IDCANCEL;
+    if (!OpenWindow(true)) return -1;
     OnInitDialog();
     const INT_PTR result = m_ended ? m_result : AfxPromptHook().RunModal(*this);
-    window.reset();
+    CloseWindow();
     return result;
 }
 
 BOOL CDialog::CreateHidden() {
-    const DialogTemplate* tpl = AfxFindDialogTemplate(static_cast<int>(m_templateId));
-    if (tpl == nullptr || QApplication::instance() == nullptr) return FALSE;
-    m_owned = std::make_unique<DialogWindow>(this, *tpl, nullptr);
-    m_ended = false;
-    m_result = IDCANCEL;
+    if (!OpenWindow(false)) return FALSE;
     OnInitDialog();
     return TRUE;
 }
 
-void CDialog::DestroyWindowNow() { m_owned.reset(); }
+bool CDialog::OpenWindow(bool modal) {
+    const DialogTemplate* tpl = AfxFindDialogTemplate(static_cast<int>(m_templateId));
+    if (tpl == nullptr) return false;
+    CloseWindow();
+    std::shared_ptr<DialogControls> window = platform::OpenDialogWindow(*this, *tpl, modal);
+    if (window == nullptr) return false;
+    m_windowHeld = window;
+    Attach(*this, window.get(), 0);
+    for (int i = 0; i < tpl->controlCount; ++i) {
+        const int id = tpl->controls[i].id;
+        if (id <= 0) continue;
+        auto item = std::make_unique<CWnd>();
+        Attach(*item, window.get(), id);
+        m_plainItems[id] = std::move(item);
+    }
+    m_ended = false;
+    m_result = IDCANCEL;
+    return true;
+}
+
+void CDialog::CloseWindow() {
+    if (m_windowHeld == nullptr) return;
+    for (auto& [id, wrapper] : m_boundItems) Attach(*wrapper, nullptr, id);
+    m_boundItems.clear();
+    m_plainItems.clear();
+    Attach(*this, nullptr, 0);
+    m_windowHeld.reset();
+}
+
+CWnd* CDialog::Item(int id) const {
+    if (id == 0) return const_cast<CDialog*>(this);
+    auto bound = m_boundItems.find(id);
+    if (bound != m_boundItems.end()) return bound->second;
+    auto plain = m_plainItems.find(id);
+    return plain == m_plainItems.end() ? nullptr : plain->second.get();
+}
+
+void CDialog::BindItem(int id, CWnd* wrapper) { m_boundItems[id] = wrapper; }
+
+void CDialog::DeliverFromWindow(const AfxMessage& message) { OnWndMsg(message); }
+
+bool CDialog::PaintFromWindow(int id) {
+    CWnd* item = id > 0 ? Item(id) : nullptr;
+    if (item == nullptr || !item->PaintsItself()) return false;
+    item->OnPaint();
+    return true;
+}
 
 BOOL CDialog::OnInitDialog() {
     UpdateData(FALSE);
@@ -259,7 +290,7 @@ void CDialog::OnCancel() { EndDialog(IDCANCEL); }
 void CDialog::EndDialog(int result) {
     m_ended = true;
     m_result = result;
-    if (m_window != nullptr) m_window->done(result);
+    if (Window() != nullptr) Window()->End(result);
 }
 
 bool CDialog::OnWndMsg(const AfxMessage& message) {

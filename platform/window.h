@@ -14,17 +14,12 @@
 #include <memory>
 #include <vector>
 
+#include "platform/dialoglink.h"
 #include "platform/strings.h"
 #include "platform/types.h"
 
 class CDataExchange;
-class CDialog;
 class CMenu;
-struct DialogTemplate;
-
-namespace platform {
-class DialogWindow;  // the Qt side of a dialog, private to the layer
-}
 
 // A message as the layer delivers it to a window's message map.
 struct AfxMessage {
@@ -51,14 +46,12 @@ public:
     void SetWindowText(LPCTSTR text);
     void GetWindowText(CString& text) const;
     BOOL EnableWindow(BOOL enable = TRUE);
-    BOOL IsWindowEnabled() const;
     LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
     int MessageBox(LPCTSTR text, LPCTSTR caption = nullptr, UINT type = MB_OK);
     BOOL UpdateData(BOOL saveAndValidate = TRUE);
 
     void InvalidateRect(const RECT* rect, BOOL erase = TRUE);
-    void Invalidate(BOOL erase = TRUE) { InvalidateRect(nullptr, erase); }
     void GetClientRect(RECT* rect) const;
     void GetWindowRect(RECT* rect) const;
     void ClientToScreen(POINT* point) const;
@@ -75,17 +68,27 @@ public:
     virtual void OnPaint() {}
     virtual bool PaintsItself() const { return false; }
 
-    // Layer internals: the dialog window this wrapper belongs to, and its control ID (0 for the dialog).
-    platform::DialogWindow* Window() const { return m_window; }
-    void AttachToWindow(platform::DialogWindow* window, int id) { m_window = window; m_nID = id; }
+    // From now on this wrapper stands for control id of parent's window (DDX_Control binds through it).
+    // FALSE when parent has no window or its window no such control.
+    BOOL SubclassDlgItem(UINT id, CWnd* parent);
+
+    // The controls of the window this wrapper belongs to (dialoglink.h), null while it has none: for data
+    // exchange, and for whoever acts in a user's place.
+    platform::DialogControls* Window() const { return m_window; }
 
 protected:
     virtual void DoDataExchange(CDataExchange* dx);
+    // A window's wrappers of its controls, kept by the dialog: the one for id, or null.
+    virtual CWnd* Item(int) const { return nullptr; }
+    virtual void BindItem(int, CWnd*) {}
+    // Ties wrapper to control id of window (null: to no window).
+    static void Attach(CWnd& wrapper, platform::DialogControls* window, int id);
 
-    platform::DialogWindow* m_window = nullptr;
-    int m_nID = 0;
     const AfxMessage* m_currentMessage = nullptr;  // set while a message is dispatched, for Default()
-    friend class platform::DialogWindow;
+
+private:
+    platform::DialogControls* m_window = nullptr;
+    int m_nID = 0;
 };
 
 class CStatic : public CWnd {};
@@ -94,7 +97,7 @@ class CEdit : public CWnd {};
 class CListBox : public CWnd {};
 class CComboBox : public CWnd {};
 
-class CDialog : public CWnd {
+class CDialog : public CWnd, private platform::DialogOwner {
 public:
     explicit CDialog(UINT templateId, CWnd* parent = nullptr);
     ~CDialog() override;
@@ -108,23 +111,33 @@ public:
     void EndDialog(int result);
 
     UINT TemplateId() const { return m_templateId; }
-    // Layer internals for the modal loop and the scripted runner.
+    // Whether EndDialog was called since the window was built, and with what: a prompt hook's modal loop
+    // runs until then.
     bool IsEnded() const { return m_ended; }
     int Result() const { return m_result; }
-    // Builds the window without running it modally and calls OnInitDialog (the scripted runner's main
+    // Builds the window without running it modally and calls OnInitDialog (the session runner's main
     // dialog). The window stays hidden until shown.
     BOOL CreateHidden();
-    void DestroyWindowNow();
 
     bool OnWndMsg(const AfxMessage& message) override;
 
 protected:
+    CWnd* Item(int id) const override;
+    void BindItem(int id, CWnd* wrapper) override;
+
     UINT m_templateId;
     bool m_ended = false;
     int m_result = 0;
 
 private:
-    std::unique_ptr<platform::DialogWindow> m_owned;
+    bool OpenWindow(bool modal);
+    void CloseWindow();
+    void DeliverFromWindow(const AfxMessage& message) override;
+    bool PaintFromWindow(int id) override;
+
+    std::shared_ptr<platform::DialogControls> m_windowHeld;
+    std::map<int, std::unique_ptr<CWnd>> m_plainItems;  // controls no member stands for
+    std::map<int, CWnd*> m_boundItems;                  // members bound by DDX_Control
 };
 
 class CMenu {
@@ -149,7 +162,6 @@ public:
 private:
     std::vector<Item> m_items;
     std::vector<std::unique_ptr<CMenu>> m_popups;
-    CString m_name;
 };
 
 // Open or save file dialog.
@@ -164,13 +176,11 @@ public:
     CString GetFileTitle() const;
 
     BOOL IsOpenDialog() const { return m_open; }
-    const CString& DefaultExt() const { return m_defaultExt; }
     const CString& Filter() const { return m_filter; }
     void SetPathName(const CString& path) { m_path = path; }
 
 private:
     BOOL m_open;
-    CString m_defaultExt;
     CString m_filter;
     CString m_path;
 };

@@ -9,9 +9,10 @@
 #include <string>
 
 #include "platform/dialogwindow.h"
-#include "platform/scripted.h"
+#include "tools/scripted/scripted.h"
 #include "platform/thread.h"
 #include "platform/uiqueue.h"
+#include "platform/window.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ protected:
     void SetUp() override {
         AfxSetPromptHook(&m_prompts);
         ASSERT_TRUE(m_dialog.CreateHidden());
-        m_window = m_dialog.Window();
+        m_window = dynamic_cast<platform::DialogWindow*>(m_dialog.Window());
         ASSERT_NE(m_window, nullptr);
     }
     void TearDown() override { AfxSetPromptHook(nullptr); }
@@ -137,6 +138,33 @@ TEST_F(DialogLayer, DialogUnitsComeFromTheDialogFontMetrics) {
     const QWidget* edit = m_window->Control(1096);  // at 113,77,25,12
     EXPECT_EQ(edit->geometry(), QRect(QPoint(m_window->DluToPixelsX(113), m_window->DluToPixelsY(77)),
                                       QPoint(m_window->DluToPixelsX(113 + 25) - 1, m_window->DluToPixelsY(77 + 12) - 1)));
+}
+
+// Both boxes of the main dialog are sorted: an added line finds its place ignoring case, after its equals;
+// an inserted line stays at its index.
+TEST(DialogLines, AddedLinesTakeTheirSortedPlaceInsertedOnesTheirIndex) {
+    CScriptedPrompts prompts([](const std::string&) {});
+    AfxSetPromptHook(&prompts);
+    CDialog dialog(102);
+    ASSERT_TRUE(dialog.CreateHidden());
+    platform::DialogControls& window = *dialog.Window();
+    const struct { int id; UINT add, insert; } boxes[] = {{1014, CB_ADDSTRING, CB_INSERTSTRING},
+                                                          {1015, LB_ADDSTRING, LB_INSERTSTRING}};
+    for (const auto& box : boxes) {
+        const auto send = [&](UINT message, int index, const char* line) {
+            return window.Send(box.id, message, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(line));
+        };
+        window.Send(box.id, box.id == 1014 ? CB_RESETCONTENT : LB_RESETCONTENT, 0, 0);
+        EXPECT_EQ(send(box.add, 0, "beta"), 0);
+        EXPECT_EQ(send(box.add, 0, "Gamma"), 1);
+        EXPECT_EQ(send(box.add, 0, "alpha"), 0);
+        EXPECT_EQ(send(box.add, 0, "BETA"), 2) << "after its equal";
+        EXPECT_EQ(send(box.insert, 1, "zeta"), 1) << "an insert keeps its index";
+        EXPECT_EQ(send(box.insert, -1, "omega"), 5) << "-1 inserts at the end";
+        EXPECT_EQ(window.Items(box.id),
+                  (std::vector<std::string>{"alpha", "zeta", "beta", "BETA", "Gamma", "omega"})) << box.id;
+    }
+    AfxSetPromptHook(nullptr);
 }
 
 // ---- a worker's control operations -----------------------------------------------------------------------

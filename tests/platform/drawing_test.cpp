@@ -150,11 +150,10 @@ TEST(DrawingPixels, SetPixelSetsAndReportsTheColour) {
     EXPECT_EQ(c.dc.SetPixel(-1, 4, kBlack), static_cast<COLORREF>(-1));
 }
 
-TEST(DrawingPixels, FillRectCoversLeftTopUpToRightBottomExclusive) {
+TEST(DrawingPixels, FillSolidRectCoversLeftTopUpToRightBottomExclusive) {
     Canvas c(10, 10);
-    CBrush brush(kBlue);
     RECT r{2, 3, 6, 8};
-    c.dc.FillRect(&r, &brush);
+    c.dc.FillSolidRect(&r, kBlue);
     const RECT ink = c.Inked();
     EXPECT_EQ(ink.left, 2);
     EXPECT_EQ(ink.top, 3);

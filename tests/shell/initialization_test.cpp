@@ -90,7 +90,7 @@ TEST(InitializationOk, UnitsWithoutRepetitionAreBoundByThePatterns) {
 TEST(InitializationDialog, LoadFromFileDisablesTheManualControls) {
     CInitializationDlg d;
     ASSERT_TRUE(d.CreateHidden());
-    const auto enabled = [&d](int id) { return d.GetDlgItem(id)->IsWindowEnabled() != 0; };
+    const auto enabled = [&d](int id) { return d.Window()->IsEnabled(id); };
     const auto checked = [&d](int id) { return d.GetDlgItem(id)->SendMessage(BM_GETCHECK) == BST_CHECKED; };
     EXPECT_TRUE(checked(1071));
     EXPECT_FALSE(checked(1070));

@@ -19,7 +19,7 @@ public:
         return choose;
     }
     INT_PTR RunModal(CDialog& dialog) override {
-        platform::DialogWindow* window = dialog.Window();
+        platform::DialogControls* window = dialog.Window();
         std::string shown;
         for (int id : {1098, 1099, 1100})
             if (window && window->HasControl(id)) shown += std::to_string(id) + "=" + window->Text(id) + " ";

@@ -4,7 +4,7 @@
 #include <QImage>
 #include <QWidget>
 
-#include "platform/qtaccess.h"
+#include "platform/dialogwindow.h"
 #include "support/main_dialog.h"
 #include "support/picture.h"
 

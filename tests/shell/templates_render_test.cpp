@@ -9,8 +9,7 @@
 #include <QStyleOptionComboBox>
 
 #include "platform/dialogwindow.h"
-#include "platform/qtaccess.h"
-#include "platform/scripted.h"
+#include "tools/scripted/scripted.h"
 #include "support/picture.h"
 #include "workspace/workspace.h"
 
@@ -30,7 +29,7 @@ void ForEachDialog(Check check) {
     for (int d = 0; d < table.dialogCount; ++d) {
         PlainDialog dialog(static_cast<UINT>(table.dialogs[d].id));
         ASSERT_TRUE(dialog.CreateHidden()) << "dialog " << table.dialogs[d].id;
-        check(table.dialogs[d], *dialog.Window());
+        check(table.dialogs[d], *dynamic_cast<platform::DialogWindow*>(dialog.Window()));
     }
     AfxSetPromptHook(nullptr);
 }

@@ -11,7 +11,7 @@
 
 #include "platform/dialogwindow.h"
 #include "platform/files.h"
-#include "platform/scripted.h"
+#include "tools/scripted/scripted.h"
 #include "platform/thread.h"
 #include "platform/uiqueue.h"
 #include "support/paths.h"

@@ -25,7 +25,13 @@ public:
         CBitmap* old = dc.SelectObject(&bitmap);
         plot.DrawAll(&dc, RECT{0, 0, width, height});
         dc.SelectObject(old);
-        return Picture(*static_cast<const QImage*>(bitmap.Image()));
+        QImage image(width, height, QImage::Format_RGB32);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const COLORREF c = bitmap.GetPixel(x, y);
+                image.setPixel(x, y, qRgb(GetRValue(c), GetGValue(c), GetBValue(c)));
+            }
+        return Picture(image);
     }
     static Picture Of(QWidget& widget) { return Picture(widget.grab().toImage()); }
 

@@ -7,7 +7,6 @@
 #include <iostream>
 
 #include "platform/dialogwindow.h"
-#include "platform/qtaccess.h"
 #include "platform/thread.h"
 #include "platform/uiqueue.h"
 #include "shell/mainwindow.h"
@@ -54,7 +53,7 @@ private:
         return kSessionScriptError;
     }
 
-    platform::DialogWindow* Window() { return m_dialog.Window(); }
+    platform::DialogControls* Window() { return m_dialog.Window(); }
 
     int Id(const SessionCommand& command) {
         int id = 0;
@@ -103,7 +102,7 @@ private:
     int ControlCommand(const SessionCommand& command, int id) {
         const std::string& name = command.name;
         const std::string prefix = name + " " + std::to_string(id) + ": ";
-        platform::DialogWindow* window = Window();
+        platform::DialogControls* window = Window();
         if (name == "click") window->ClickControl(id);
         else if (name == "set") window->TypeText(id, command.args[1]);
         else if (name == "select") {
@@ -117,7 +116,7 @@ private:
             for (const std::string& item : window->Items(id)) Print("item " + std::to_string(id) + ": " + item);
             Print("selected " + std::to_string(id) + ": " + std::to_string(window->SelectedIndex(id)));
         } else if (name == "png") {
-            QWidget* widget = id == 0 ? static_cast<QWidget*>(window) : window->Control(id);
+            QWidget* widget = platform::WidgetOf(m_dialog.GetDlgItem(id));
             const std::string path = Resolve(command.args[1], m_outputDir);
             // At one device pixel per pixel whatever the screen's scale, so that pictures compare across
             // machines.
@@ -132,7 +131,7 @@ private:
     }
 
     void SendCommand(UINT id) {
-        platform::DialogWindow* window = Window();
+        platform::DialogControls* window = Window();
         if (window == nullptr) return;
         // Items of the system menu arrive as system commands, all others as commands.
         AfxMessage message{window->SystemMenu().HasItem(id) ? WM_SYSCOMMAND : WM_COMMAND, 0, id};

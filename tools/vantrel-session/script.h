@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/scripted.h"
+#include "tools/scripted/scripted.h"
 
 struct SessionCommand {
     int line = 0;

@@ -1,6 +1,5 @@
-#include "platform/scripted.h"
+#include "tools/scripted/scripted.h"
 
-#include "platform/dialogwindow.h"
 #include "platform/window.h"
 
 const char* AfxIconName(UINT type) {
@@ -87,7 +86,7 @@ INT_PTR CScriptedPrompts::RunModal(CDialog& dialog) {
 }
 
 void CScriptedPrompts::RunAction(CDialog& dialog, const DialogAction& action) {
-    platform::DialogWindow* window = dialog.Window();
+    platform::DialogControls* window = dialog.Window();
     if (window == nullptr) return;
     if ((action.kind == DialogAction::Click || action.kind == DialogAction::Set) && !window->HasControl(action.id)) {
         m_scriptError = "dialog " + std::to_string(dialog.TemplateId()) + " has no control " + std::to_string(action.id);
@@ -105,7 +104,7 @@ void CScriptedPrompts::RunAction(CDialog& dialog, const DialogAction& action) {
 }
 
 void CScriptedPrompts::PressCancel(CDialog& dialog) {
-    if (platform::DialogWindow* window = dialog.Window())
+    if (platform::DialogControls* window = dialog.Window())
         window->Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDCANCEL)});
     if (!dialog.IsEnded()) dialog.EndDialog(IDCANCEL);  // a dialog that ignores Cancel is ended all the same
 }
