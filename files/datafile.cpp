@@ -5,7 +5,7 @@
 #include <new>
 
 #include "files/scanner.h"
-#include "platform/memory.h"
+#include "engine/memory.h"
 
 CDataSetShape MeasureDataSet(std::string_view text) {
     CDataSetShape shape;
@@ -45,7 +45,7 @@ bool ReadPatterns(std::string_view text, CPatternRows& rows) {
     rows.shape = MeasureDataSet(text);
     const std::size_t n = rows.shape.columns > 0 ? rows.shape.columns - 1 : 0;
     const std::size_t patterns = rows.shape.patterns;
-    if (n > UINT_MAX || !AfxDoublesFit(double(patterns) * (double(n) + 1))) return false;
+    if (n > UINT_MAX || !engine::DoublesFit(double(patterns) * (double(n) + 1))) return false;
     rows.nInputs = static_cast<UINT>(n);
     try {
         rows.inputs.assign(patterns * n, 0.0);

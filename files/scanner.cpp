@@ -7,7 +7,7 @@
 #include <stdexcept>
 
 #include "platform/files.h"
-#include "platform/memory.h"
+#include "engine/memory.h"
 
 std::string MakeScanText(const char* bytes, std::size_t length) {
     const void* nul = std::memchr(bytes, '\0', length);
@@ -24,7 +24,7 @@ ReadTextResult ReadScanText(const char* path, std::string& text) {
     if (!file.Open(path, CFile::modeRead)) return ReadTextResult::CannotOpen;
     const unsigned long long length = file.GetLength();
     // The bytes and the text made of them live side by side for a moment.
-    if (!AfxMemoryFits(2.0 * length)) return ReadTextResult::NoMemory;
+    if (!engine::MemoryFits(2.0 * length)) return ReadTextResult::NoMemory;
     try {
         std::string bytes;
         bytes.resize(static_cast<std::size_t>(length));

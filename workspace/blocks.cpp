@@ -6,7 +6,7 @@
 #include <new>
 #include <vector>
 
-#include "platform/memory.h"
+#include "engine/memory.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -72,7 +72,7 @@ void Renew(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCo
     // taken, old and new counted together, as both live side by side for a moment.
     double total = 0;
     for (Block block : blocks) total += static_cast<double>(BlockSize(block, counts));
-    if (!AfxDoublesFit(total)) throw std::bad_alloc();
+    if (!engine::DoublesFit(total)) throw std::bad_alloc();
     std::vector<std::unique_ptr<double[]>> fresh;
     fresh.reserve(blocks.size());
     for (Block block : blocks) {

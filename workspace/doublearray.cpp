@@ -4,7 +4,7 @@
 #include <cstring>
 #include <new>
 
-#include "platform/memory.h"
+#include "engine/memory.h"
 
 CDoubleArray::~CDoubleArray() { delete[] m_pData; }
 
@@ -34,7 +34,7 @@ void CDoubleArray::SetSize(int newSize, int growBy) {
     // Grow geometrically so that appending one element at a time stays linear overall.
     int step = m_nGrowBy > 0 ? m_nGrowBy : std::max(4, std::min(m_nSize / 2, 1 << 20));
     const int capacity = std::max(newSize, m_nMaxSize + step);
-    if (!AfxDoublesFit(capacity)) throw std::bad_alloc();  // refused before the system grants what it lacks
+    if (!engine::DoublesFit(capacity)) throw std::bad_alloc();  // refused before the system grants what it lacks
     double* block = new double[static_cast<size_t>(capacity)];
     if (m_nSize > 0) std::memcpy(block, m_pData, sizeof(double) * static_cast<size_t>(m_nSize));
     std::fill(block + m_nSize, block + newSize, 0.0);

@@ -5,7 +5,7 @@
 #include <new>
 
 #include "platform/dialogwindow.h"
-#include "platform/memory.h"
+#include "engine/memory.h"
 #include "shell/initialization.h"
 #include "support/main_dialog.h"
 
@@ -182,7 +182,7 @@ TEST_F(InitializationTest, UnitCountWhoseBlocksExceedTheMemoryIsRefusedWithoutAl
     const UINT unitsBefore = m_dlg.m_nUnits;
     // Each of the eight blocks is a sixth of the memory the process may use, so the system would grant each
     // one and kill the program while they are filled; all of them together can't fit.
-    const double units = static_cast<double>(AfxUsableMemory()) / sizeof(double) / 6;
+    const double units = static_cast<double>(engine::UsableMemory()) / sizeof(double) / 6;
     ASSERT_LT(units, 4e9) << "this machine's memory is beyond what a unit count can fill";
     g_armed = true;
     const bool replaced = ReplaceNetworkArrays(m_dlg, static_cast<UINT>(units));
