@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <algorithm>
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -53,6 +54,23 @@ protected:
 private:
     DialogOwner& m_owner;
     int m_id;
+};
+
+// A push button that shows the keyboard focus as a dotted frame inside its edge, where a user at the keyboard
+// looks for it; the style's own hint is hard to see. It is the dialog's focus that counts, so that a picture
+// of a dialog not on the screen shows it too.
+class FocusFrameButton : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPushButton::paintEvent(event);
+        if (window()->focusWidget() != this) return;
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::ButtonText), 1, Qt::DotLine));
+        painter.drawRect(rect().adjusted(3, 3, -4, -4));
+    }
 };
 
 QString QtText(const char* text) { return QString::fromLatin1(text != nullptr ? text : ""); }
@@ -116,8 +134,13 @@ DialogWindow::DialogWindow(DialogOwner& owner, const DialogTemplate& tpl, QWidge
         widget->setGeometry(ControlRect(control));
         if (control.style & WS_DISABLED) widget->setEnabled(false);
         if (control.id > 0) m_controls[control.id] = widget;
+        m_widgets.push_back(widget);
         Connect(control, widget);
     }
+    GroupRadios();
+    SetUpKeyboard();
+    SetUpAccessibility();
+    focusNextPrevChild(true);  // the first tab stop has the focus, as the dialog opens
     OpenWindows().push_back(this);
 }
 
@@ -157,7 +180,7 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
     switch (control.kind) {
         case ControlKind::PushButton:
         case ControlKind::DefPushButton: {
-            auto* button = new QPushButton(caption, this);
+            auto* button = new FocusFrameButton(caption, this);
             button->setAutoDefault(false);
             button->setDefault(control.kind == ControlKind::DefPushButton);
             return button;
@@ -221,7 +244,9 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return new QCheckBox(caption, this);
         case ControlKind::AutoRadioButton: {
             auto* radio = new QRadioButton(caption, this);
-            radio->setAutoExclusive(false);  // groups follow the template's group marks, not the parent
+            // Exclusive for assistive technology, which tells a radio button by it; the checks themselves
+            // follow the template's group marks (GroupRadios), not the parent.
+            radio->setAutoExclusive(true);
             return radio;
         }
     }
@@ -266,6 +291,21 @@ std::vector<int> DialogWindow::RadioGroupOf(int id) const {
         if (control.kind == ControlKind::AutoRadioButton) group.push_back(control.id);
     }
     return group;
+}
+
+void DialogWindow::GroupRadios() {
+    // One button group per radio group of the template. It does not exclude: a handler may set the checks of
+    // a group as it likes, and a click's own check is set by CheckRadioInGroup.
+    for (int i = 0; i < m_template.controlCount; ++i) {
+        const ControlTemplate& control = m_template.controls[i];
+        if (control.kind != ControlKind::AutoRadioButton) continue;
+        const std::vector<int> group = RadioGroupOf(control.id);
+        if (group.empty() || group.front() != control.id) continue;
+        auto* buttons = new QButtonGroup(this);
+        buttons->setExclusive(false);
+        for (int member : group)
+            if (auto* radio = qobject_cast<QAbstractButton*>(Control(member))) buttons->addButton(radio);
+    }
 }
 
 void DialogWindow::CheckRadioInGroup(int id) {
@@ -440,7 +480,7 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
     } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();
         else Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDOK)});
-    } else if (event->key() == Qt::Key_Space && (event->modifiers() & Qt::AltModifier)) {
+    } else if (IsSystemMenuKey(*event)) {
         ShowSystemMenu();
     } else {
         QWidget::keyPressEvent(event);
@@ -449,9 +489,7 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
 
 void DialogWindow::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton) {
-        AfxMessage message{WM_RBUTTONDOWN};
-        message.point = CPoint(event->position().toPoint().x(), event->position().toPoint().y());
-        Deliver(message);
+        RightClickAt(event->position().toPoint());
         return;
     }
     QDialog::mousePressEvent(event);
@@ -460,13 +498,12 @@ void DialogWindow::mousePressEvent(QMouseEvent* event) {
 void DialogWindow::accept() { Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDOK)}); }
 void DialogWindow::reject() { Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDCANCEL)}); }
 
-void DialogWindow::ShowSystemMenu() {
+void DialogWindow::ShowSystemMenu(const QPoint& at) {
     // The system menu: the items the dialog appended, then Close.
     CMenu menu;
     for (const CMenu::Item& item : m_systemMenu->Items()) menu.AppendMenu(item.flags, item.id, item.text);
     menu.AppendMenu(MF_SEPARATOR);
     menu.AppendMenu(MF_STRING, SC_CLOSE, "&Close");
-    const QPoint at = mapToGlobal(QPoint(0, 0));
     const UINT command = AfxPromptHook().TrackPopupMenu(menu, at.x(), at.y());
     if (command != 0) {
         AfxMessage message{WM_SYSCOMMAND};

@@ -14,6 +14,7 @@
 #include "platform/templates.h"
 
 class CWnd;
+class QKeyEvent;
 class QWidget;
 
 namespace platform {
@@ -55,11 +56,19 @@ public:
     void Repaint(int id) override;
     bool IsMinimized() const override { return isMinimized(); }
 
+    bool PressKey(const std::string& sequence) override;
+    void RightClick(int id) override;
+    int FocusedControl() const override;
+    std::pair<std::string, std::string> Accessible(int id) const override;
+    void SetAccessibleName(int id, const std::string& name) override;
+
     void RunModalLoop() override { exec(); }
     void End(int result) override { done(result); }
     CMenu& SystemMenu() override { return *m_systemMenu; }
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -71,15 +80,35 @@ private:
     QWidget* CreateControl(const ControlTemplate& control);
     void Connect(const ControlTemplate& control, QWidget* widget);
     void CheckRadioInGroup(int id);
-    void ShowSystemMenu();
+    void GroupRadios();
+    // The window's system menu at a point of the screen.
+    void ShowSystemMenu(const QPoint& at);
+    void ShowSystemMenu() { ShowSystemMenu(mapToGlobal(QPoint(0, 0))); }
+
+    // Keyboard (dialogkeys.cpp): the template's tab stops and radio groups, and the keys of the system menu.
+    void SetUpKeyboard();
+    int IndexOf(const QWidget* widget) const;
+    bool IsTabStop(int index) const;
+    void MoveInRadioGroup(int id, int step);
+    // A right click at a point of the dialog: the dialog's handler hears it; off the pictures that draw
+    // themselves it opens the system menu.
+    void RightClickAt(const QPoint& point);
+    bool OnPicture(const QPoint& point) const;
+
+    // Assistive technology (accessibility.cpp): names from the labels, roles from the kinds.
+    void SetUpAccessibility();
 
     DialogOwner& m_owner;
     const DialogTemplate& m_template;
     int m_baseX = 6;   // average character width of the dialog font, pixels
     int m_baseY = 13;  // character height of the dialog font, pixels
     std::map<int, QWidget*> m_controls;
+    std::vector<QWidget*> m_widgets;  // every control, ID or not, in template order
     std::unique_ptr<CMenu> m_systemMenu;
 };
+
+// F1, and Alt+Space where no window manager has taken it: the keys that open a dialog's system menu.
+bool IsSystemMenuKey(const QKeyEvent& event);
 
 // The window whose modal loop runs now, or the newest open dialog: the parent of new dialogs.
 QWidget* ActiveDialogWidget();
