@@ -113,7 +113,7 @@ void DialogWindow::RightClickAt(const QPoint& point) {
     AfxMessage message{WM_RBUTTONDOWN};
     message.point = CPoint(point.x(), point.y());
     Deliver(message);
-    if (!OnPicture(point)) ShowSystemMenu(mapToGlobal(point));
+    if (!OnPicture(point)) ShowSystemMenu(m_content->mapToGlobal(point));
 }
 
 bool DialogWindow::OnPicture(const QPoint& point) const {
@@ -146,15 +146,15 @@ void DialogWindow::RightClick(int id) {
         point = control->geometry().center();
     } else {
         // The first point, in steps of a few pixels, that no control covers but a group box.
-        for (int y = 2; y < height() && point.y() < 0; y += 4)
-            for (int x = 2; x < width() && point.y() < 0; x += 4)
-                if (childAt(x, y) == nullptr) point = QPoint(x, y);
+        for (int y = 2; y < m_content->height() && point.y() < 0; y += 4)
+            for (int x = 2; x < m_content->width() && point.y() < 0; x += 4)
+                if (m_content->childAt(x, y) == nullptr) point = QPoint(x, y);
     }
     if (point.y() < 0) return;
     // Delivered where a real click goes: to the widget under the point, which passes it on to the dialog
     // unless it handles a right click itself.
-    QWidget* target = childAt(point) != nullptr ? childAt(point) : this;
-    const QPoint local = target->mapFrom(this, point);
+    QWidget* target = m_content->childAt(point) != nullptr ? m_content->childAt(point) : m_content;
+    const QPoint local = target->mapFrom(m_content, point);
     QMouseEvent press(QEvent::MouseButtonPress, local, target->mapToGlobal(local), Qt::RightButton, Qt::RightButton,
                       Qt::NoModifier);
     QApplication::sendEvent(target, &press);

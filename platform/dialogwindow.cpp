@@ -16,6 +16,10 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
+#include <QWindow>
 
 #include "platform/fonts.h"
 #include "platform/prompt.h"
@@ -125,7 +129,15 @@ DialogWindow::DialogWindow(DialogOwner& owner, const DialogTemplate& tpl, QWidge
     setWindowTitle(QtText(tpl.caption));
     setFont(StandInFont(tpl.fontFace, tpl.fontPoints * 10, false));
     ComputeBaseUnits();
-    setFixedSize(DluToPixelsX(tpl.cx), DluToPixelsY(tpl.cy));
+    // The controls stand on a surface of the template's size inside a scroll area, which scrolls only where
+    // the screen is smaller than the dialog (FitToScreen).
+    m_content = new QWidget();
+    m_content->setFixedSize(DluToPixelsX(tpl.cx), DluToPixelsY(tpl.cy));
+    m_scroll = new QScrollArea(this);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setWidget(m_content);
+    m_scroll->setGeometry(QRect(QPoint(0, 0), m_content->size()));
+    setFixedSize(m_content->size());
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowCloseButtonHint);
     for (int i = 0; i < tpl.controlCount; ++i) {
@@ -172,6 +184,29 @@ QRect DialogWindow::ControlRect(const ControlTemplate& control) const {
     return QRect(QPoint(left, top), QPoint(DluToPixelsX(control.x + control.cx) - 1, bottom - 1));
 }
 
+void DialogWindow::showEvent(QShowEvent* event) {
+    // A window that is drawn but never shown on a screen (the session runner's) keeps its whole size.
+    if (!testAttribute(Qt::WA_DontShowOnScreen)) FitToScreen();
+    QDialog::showEvent(event);
+}
+
+void DialogWindow::FitToScreen() {
+    if (const QScreen* screen = this->screen()) FitInto(screen->availableGeometry().size());
+}
+
+void DialogWindow::FitInto(const QSize& room) {
+    // The frame's size is known once the window manager has framed the window; before, a title bar and a
+    // thin border stand in for it.
+    QMargins frame = windowHandle() != nullptr ? windowHandle()->frameMargins() : QMargins();
+    if (frame.isNull()) {
+        const int border = style()->pixelMetric(QStyle::PM_DefaultFrameWidth) + 2;
+        frame = QMargins(border, style()->pixelMetric(QStyle::PM_TitleBarHeight) + border, border, border);
+    }
+    const QSize size = m_content->size().boundedTo(room.shrunkBy(frame));
+    setFixedSize(size);
+    m_scroll->setGeometry(QRect(QPoint(0, 0), size));
+}
+
 int DialogWindow::DluToPixelsX(int dlu) const { return (dlu * m_baseX + 2) / 4; }
 int DialogWindow::DluToPixelsY(int dlu) const { return (dlu * m_baseY + 4) / 8; }
 
@@ -180,13 +215,13 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
     switch (control.kind) {
         case ControlKind::PushButton:
         case ControlKind::DefPushButton: {
-            auto* button = new FocusFrameButton(caption, this);
+            auto* button = new FocusFrameButton(caption, m_content);
             button->setAutoDefault(false);
             button->setDefault(control.kind == ControlKind::DefPushButton);
             return button;
         }
         case ControlKind::GroupBox: {
-            auto* box = new QGroupBox(caption, this);
+            auto* box = new QGroupBox(caption, m_content);
             box->setAttribute(Qt::WA_TransparentForMouseEvents);
             // The frame runs through the middle of the caption's line, as desktop group boxes draw it.
             box->setStyleSheet(QStringLiteral(
@@ -196,12 +231,12 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return box;
         }
         case ControlKind::Icon: {
-            auto* label = new StaticWidget(this, m_owner, control.id);
+            auto* label = new StaticWidget(m_content, m_owner, control.id);
             label->setPixmap(QPixmap::fromImage(IconImage(QString::fromLatin1(control.caption).toInt())));
             return label;
         }
         case ControlKind::Static: {
-            auto* label = new StaticWidget(this, m_owner, control.id);
+            auto* label = new StaticWidget(m_content, m_owner, control.id);
             label->setText(caption);
             label->setAlignment((control.style & SS_CENTER) ? Qt::AlignHCenter | Qt::AlignTop
                                                             : Qt::AlignLeft | Qt::AlignTop);
@@ -213,7 +248,7 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return label;
         }
         case ControlKind::Edit: {
-            auto* edit = new QLineEdit(this);
+            auto* edit = new QLineEdit(m_content);
             edit->setReadOnly(control.style & ES_READONLY);
             if (control.style & ES_READONLY) {
                 // A read-only edit shows the dialog's face colour, so that outputs read apart from inputs.
@@ -229,9 +264,9 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return edit;
         }
         case ControlKind::ComboBox:
-            return new QComboBox(this);
+            return new QComboBox(m_content);
         case ControlKind::ListBox: {
-            auto* list = new QListWidget(this);
+            auto* list = new QListWidget(m_content);
             // The style's scroll bar shows when the lines do not fit, as a desktop list box's does.
             list->setVerticalScrollBarPolicy((control.style & WS_VSCROLL) ? Qt::ScrollBarAsNeeded
                                                                           : Qt::ScrollBarAlwaysOff);
@@ -241,16 +276,16 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return list;
         }
         case ControlKind::AutoCheckBox:
-            return new QCheckBox(caption, this);
+            return new QCheckBox(caption, m_content);
         case ControlKind::AutoRadioButton: {
-            auto* radio = new QRadioButton(caption, this);
+            auto* radio = new QRadioButton(caption, m_content);
             // Exclusive for assistive technology, which tells a radio button by it; the checks themselves
             // follow the template's group marks (GroupRadios), not the parent.
             radio->setAutoExclusive(true);
             return radio;
         }
     }
-    return new QWidget(this);
+    return new QWidget(m_content);
 }
 
 void DialogWindow::Connect(const ControlTemplate& control, QWidget* widget) {
@@ -364,7 +399,7 @@ std::string DialogWindow::Text(int id) const {
 }
 
 RECT DialogWindow::ClientRect(int id) const {
-    const QWidget* widget = Widget(id);
+    const QWidget* widget = Surface(id);
     if (widget == nullptr) return RECT{};
     QRect client = widget->rect();
     if (auto* frame = qobject_cast<const QFrame*>(widget)) client = frame->contentsRect();
@@ -372,14 +407,14 @@ RECT DialogWindow::ClientRect(int id) const {
 }
 
 RECT DialogWindow::ScreenRect(int id) const {
-    const QWidget* widget = Widget(id);
+    const QWidget* widget = Surface(id);
     if (widget == nullptr) return RECT{};
     const QPoint topLeft = widget->mapToGlobal(QPoint(0, 0));
     return RECT{topLeft.x(), topLeft.y(), topLeft.x() + widget->width(), topLeft.y() + widget->height()};
 }
 
 POINT DialogWindow::ToScreen(int id, POINT point) const {
-    const QWidget* widget = Widget(id);
+    const QWidget* widget = Surface(id);
     if (widget == nullptr) return point;
     const QPoint global = widget->mapToGlobal(QPoint(point.x, point.y));
     return POINT{global.x(), global.y()};
@@ -489,7 +524,7 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
 
 void DialogWindow::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton) {
-        RightClickAt(event->position().toPoint());
+        RightClickAt(m_content->mapFrom(this, event->position().toPoint()));
         return;
     }
     QDialog::mousePressEvent(event);

@@ -15,6 +15,7 @@
 
 class CWnd;
 class QKeyEvent;
+class QScrollArea;
 class QWidget;
 
 namespace platform {
@@ -27,11 +28,17 @@ public:
     QWidget* Control(int id) const;
     // Control id, or the dialog itself for 0.
     QWidget* Widget(int id) const { return id == 0 ? const_cast<DialogWindow*>(this) : Control(id); }
+    // Where control id has its pixels: the dialog's client area for 0 is the surface its controls stand on.
+    QWidget* Surface(int id) const { return id == 0 ? m_content : Control(id); }
 
     int DluToPixelsX(int dlu) const;
     int DluToPixelsY(int dlu) const;
     // Where a control of the template stands, in pixels of the dialog.
     QRect ControlRect(const ControlTemplate& control) const;
+
+    // Where room (a screen's available size, frame included) is smaller than the dialog, the dialog takes
+    // what there is and its controls scroll. Done for the screen whenever the window is shown on one.
+    void FitInto(const QSize& room);
 
     bool HasControl(int id) const override { return Control(id) != nullptr; }
     const void* ControlKey(int id) const override;
@@ -70,6 +77,7 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     bool focusNextPrevChild(bool next) override;
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void accept() override;
@@ -77,6 +85,7 @@ protected:
 
 private:
     void ComputeBaseUnits();
+    void FitToScreen();
     QWidget* CreateControl(const ControlTemplate& control);
     void Connect(const ControlTemplate& control, QWidget* widget);
     void CheckRadioInGroup(int id);
@@ -90,7 +99,7 @@ private:
     int IndexOf(const QWidget* widget) const;
     bool IsTabStop(int index) const;
     void MoveInRadioGroup(int id, int step);
-    // A right click at a point of the dialog: the dialog's handler hears it; off the pictures that draw
+    // A right click at a point of the controls' surface: the dialog's handler hears it; off the pictures that draw
     // themselves it opens the system menu.
     void RightClickAt(const QPoint& point);
     bool OnPicture(const QPoint& point) const;
@@ -104,6 +113,8 @@ private:
     int m_baseY = 13;  // character height of the dialog font, pixels
     std::map<int, QWidget*> m_controls;
     std::vector<QWidget*> m_widgets;  // every control, ID or not, in template order
+    QWidget* m_content = nullptr;     // the controls' surface, of the template's size
+    QScrollArea* m_scroll = nullptr;
     std::unique_ptr<CMenu> m_systemMenu;
 };
 
