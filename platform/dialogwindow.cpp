@@ -202,7 +202,14 @@ void DialogWindow::FitInto(const QSize& room) {
         const int border = style()->pixelMetric(QStyle::PM_DefaultFrameWidth) + 2;
         frame = QMargins(border, style()->pixelMetric(QStyle::PM_TitleBarHeight) + border, border, border);
     }
-    const QSize size = m_content->size().boundedTo(room.shrunkBy(frame));
+    const QSize space = room.shrunkBy(frame);
+    QSize size = m_content->size();
+    // A scroll bar takes room of its own: a dialog that scrolls one way grows the other way by a bar, where
+    // the screen has it, so that it does not need to scroll that way too.
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    if (size.height() > space.height()) size.rwidth() += bar;
+    if (size.width() > space.width()) size.rheight() += bar;
+    size = size.boundedTo(space);
     setFixedSize(size);
     m_scroll->setGeometry(QRect(QPoint(0, 0), size));
 }
