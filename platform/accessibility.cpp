@@ -86,15 +86,18 @@ std::string RoleWord(QAccessible::Role role) {
 
 }  // namespace
 
-void DialogWindow::SetUpAccessibility() {
+void MarkTemplateRole(QWidget* widget, const ControlTemplate& control) {
     static const bool installed = (QAccessible::installFactory(TemplateRoleFactory), true);
     (void)installed;
+    if (IsRule(control)) widget->setProperty(kRoleProperty, static_cast<int>(QAccessible::Separator));
+    if (control.kind == ControlKind::Static && control.id > 0 && control.caption == nullptr)
+        widget->setProperty(kRoleProperty, static_cast<int>(QAccessible::Graphic));
+}
+
+void DialogWindow::SetUpAccessibility() {
     for (int i = 0; i < m_template.controlCount; ++i) {
         const ControlTemplate& control = m_template.controls[i];
         QWidget* widget = m_widgets[i];
-        if (IsRule(control)) widget->setProperty(kRoleProperty, static_cast<int>(QAccessible::Separator));
-        if (control.kind == ControlKind::Static && control.id > 0 && control.caption == nullptr)
-            widget->setProperty(kRoleProperty, static_cast<int>(QAccessible::Graphic));
         if (!NeedsLabel(control.kind)) continue;
         const int label = LabelOf(m_template, i);
         if (label < 0) continue;

@@ -244,6 +244,7 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
         }
         case ControlKind::Static: {
             auto* label = new StaticWidget(m_content, m_owner, control.id);
+            MarkTemplateRole(label, control);
             label->setText(caption);
             label->setAlignment((control.style & SS_CENTER) ? Qt::AlignHCenter | Qt::AlignTop
                                                             : Qt::AlignLeft | Qt::AlignTop);
