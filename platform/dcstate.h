@@ -41,6 +41,8 @@ struct DcState {
     // Pixels left <= x < right of row y, clipped to the surface.
     void FillSpan(int y, int left, int right, COLORREF color);
     void FillSpans(const std::vector<raster::Span>& spans, COLORREF color);
+    // A memory DC's spans in device pixels of its image, clipped to the image.
+    void FillDeviceSpans(const std::vector<raster::Span>& spans, COLORREF color);
     // The device pixel of a memory DC's image where the logical pixel edge `edge` falls.
     int DeviceEdge(int edge) const;
     // Drops the surface and goes back to the stock objects.

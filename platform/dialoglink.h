@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/types.h"
@@ -73,6 +74,20 @@ public:
     virtual POINT ToScreen(int id, POINT point) const = 0;
     virtual void Repaint(int id) = 0;
     virtual bool IsMinimized() const = 0;
+
+    // The keyboard, the right button and assistive technology, as a user and a screen reader meet them.
+    // A key press and release on the focused control (the dialog when none has focus), the sequence written
+    // as Qt writes it ("F1", "Tab", "Alt+Space"); false when it names no key.
+    virtual bool PressKey(const std::string& sequence) = 0;
+    // A right click on the middle of control id, or with 0 on a point of the dialog's background.
+    virtual void RightClick(int id) = 0;
+    // The control that has the keyboard focus, 0 for none.
+    virtual int FocusedControl() const = 0;
+    // What assistive technology is told of control id: its role (one of "button", "radio", "check", "edit",
+    // "combo", "list", "label", "graphic", "other") and its name.
+    virtual std::pair<std::string, std::string> Accessible(int id) const = 0;
+    // Names a control that has no caption to name it, such as a plot by its title.
+    virtual void SetAccessibleName(int id, const std::string& name) = 0;
 
     // Runs the window's modal loop until End is called.
     virtual void RunModalLoop() = 0;

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <algorithm>
+#include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
@@ -15,6 +16,10 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
+#include <QWindow>
 
 #include "platform/fonts.h"
 #include "platform/prompt.h"
@@ -53,6 +58,23 @@ protected:
 private:
     DialogOwner& m_owner;
     int m_id;
+};
+
+// A push button that shows the keyboard focus as a dotted frame inside its edge, where a user at the keyboard
+// looks for it; the style's own hint is hard to see. It is the dialog's focus that counts, so that a picture
+// of a dialog not on the screen shows it too.
+class FocusFrameButton : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPushButton::paintEvent(event);
+        if (window()->focusWidget() != this) return;
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::ButtonText), 1, Qt::DotLine));
+        painter.drawRect(rect().adjusted(3, 3, -4, -4));
+    }
 };
 
 QString QtText(const char* text) { return QString::fromLatin1(text != nullptr ? text : ""); }
@@ -107,7 +129,15 @@ DialogWindow::DialogWindow(DialogOwner& owner, const DialogTemplate& tpl, QWidge
     setWindowTitle(QtText(tpl.caption));
     setFont(StandInFont(tpl.fontFace, tpl.fontPoints * 10, false));
     ComputeBaseUnits();
-    setFixedSize(DluToPixelsX(tpl.cx), DluToPixelsY(tpl.cy));
+    // The controls stand on a surface of the template's size inside a scroll area, which scrolls only where
+    // the screen is smaller than the dialog (FitToScreen).
+    m_content = new QWidget();
+    m_content->setFixedSize(DluToPixelsX(tpl.cx), DluToPixelsY(tpl.cy));
+    m_scroll = new QScrollArea(this);
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setWidget(m_content);
+    m_scroll->setGeometry(QRect(QPoint(0, 0), m_content->size()));
+    setFixedSize(m_content->size());
     setWindowFlags(Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                    Qt::WindowCloseButtonHint);
     for (int i = 0; i < tpl.controlCount; ++i) {
@@ -116,8 +146,13 @@ DialogWindow::DialogWindow(DialogOwner& owner, const DialogTemplate& tpl, QWidge
         widget->setGeometry(ControlRect(control));
         if (control.style & WS_DISABLED) widget->setEnabled(false);
         if (control.id > 0) m_controls[control.id] = widget;
+        m_widgets.push_back(widget);
         Connect(control, widget);
     }
+    GroupRadios();
+    SetUpKeyboard();
+    SetUpAccessibility();
+    focusNextPrevChild(true);  // the first tab stop has the focus, as the dialog opens
     OpenWindows().push_back(this);
 }
 
@@ -149,6 +184,36 @@ QRect DialogWindow::ControlRect(const ControlTemplate& control) const {
     return QRect(QPoint(left, top), QPoint(DluToPixelsX(control.x + control.cx) - 1, bottom - 1));
 }
 
+void DialogWindow::showEvent(QShowEvent* event) {
+    // A window that is drawn but never shown on a screen (the session runner's) keeps its whole size.
+    if (!testAttribute(Qt::WA_DontShowOnScreen)) FitToScreen();
+    QDialog::showEvent(event);
+}
+
+void DialogWindow::FitToScreen() {
+    if (const QScreen* screen = this->screen()) FitInto(screen->availableGeometry().size());
+}
+
+void DialogWindow::FitInto(const QSize& room) {
+    // The frame's size is known once the window manager has framed the window; before, a title bar and a
+    // thin border stand in for it.
+    QMargins frame = windowHandle() != nullptr ? windowHandle()->frameMargins() : QMargins();
+    if (frame.isNull()) {
+        const int border = style()->pixelMetric(QStyle::PM_DefaultFrameWidth) + 2;
+        frame = QMargins(border, style()->pixelMetric(QStyle::PM_TitleBarHeight) + border, border, border);
+    }
+    const QSize space = room.shrunkBy(frame);
+    QSize size = m_content->size();
+    // A scroll bar takes room of its own: a dialog that scrolls one way grows the other way by a bar, where
+    // the screen has it, so that it does not need to scroll that way too.
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    if (size.height() > space.height()) size.rwidth() += bar;
+    if (size.width() > space.width()) size.rheight() += bar;
+    size = size.boundedTo(space);
+    setFixedSize(size);
+    m_scroll->setGeometry(QRect(QPoint(0, 0), size));
+}
+
 int DialogWindow::DluToPixelsX(int dlu) const { return (dlu * m_baseX + 2) / 4; }
 int DialogWindow::DluToPixelsY(int dlu) const { return (dlu * m_baseY + 4) / 8; }
 
@@ -157,13 +222,13 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
     switch (control.kind) {
         case ControlKind::PushButton:
         case ControlKind::DefPushButton: {
-            auto* button = new QPushButton(caption, this);
+            auto* button = new FocusFrameButton(caption, m_content);
             button->setAutoDefault(false);
             button->setDefault(control.kind == ControlKind::DefPushButton);
             return button;
         }
         case ControlKind::GroupBox: {
-            auto* box = new QGroupBox(caption, this);
+            auto* box = new QGroupBox(caption, m_content);
             box->setAttribute(Qt::WA_TransparentForMouseEvents);
             // The frame runs through the middle of the caption's line, as desktop group boxes draw it.
             box->setStyleSheet(QStringLiteral(
@@ -173,12 +238,13 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return box;
         }
         case ControlKind::Icon: {
-            auto* label = new StaticWidget(this, m_owner, control.id);
+            auto* label = new StaticWidget(m_content, m_owner, control.id);
             label->setPixmap(QPixmap::fromImage(IconImage(QString::fromLatin1(control.caption).toInt())));
             return label;
         }
         case ControlKind::Static: {
-            auto* label = new StaticWidget(this, m_owner, control.id);
+            auto* label = new StaticWidget(m_content, m_owner, control.id);
+            MarkTemplateRole(label, control);
             label->setText(caption);
             label->setAlignment((control.style & SS_CENTER) ? Qt::AlignHCenter | Qt::AlignTop
                                                             : Qt::AlignLeft | Qt::AlignTop);
@@ -190,7 +256,7 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return label;
         }
         case ControlKind::Edit: {
-            auto* edit = new QLineEdit(this);
+            auto* edit = new QLineEdit(m_content);
             edit->setReadOnly(control.style & ES_READONLY);
             if (control.style & ES_READONLY) {
                 // A read-only edit shows the dialog's face colour, so that outputs read apart from inputs.
@@ -206,9 +272,9 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return edit;
         }
         case ControlKind::ComboBox:
-            return new QComboBox(this);
+            return new QComboBox(m_content);
         case ControlKind::ListBox: {
-            auto* list = new QListWidget(this);
+            auto* list = new QListWidget(m_content);
             // The style's scroll bar shows when the lines do not fit, as a desktop list box's does.
             list->setVerticalScrollBarPolicy((control.style & WS_VSCROLL) ? Qt::ScrollBarAsNeeded
                                                                           : Qt::ScrollBarAlwaysOff);
@@ -218,14 +284,16 @@ QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
             return list;
         }
         case ControlKind::AutoCheckBox:
-            return new QCheckBox(caption, this);
+            return new QCheckBox(caption, m_content);
         case ControlKind::AutoRadioButton: {
-            auto* radio = new QRadioButton(caption, this);
-            radio->setAutoExclusive(false);  // groups follow the template's group marks, not the parent
+            auto* radio = new QRadioButton(caption, m_content);
+            // Exclusive for assistive technology, which tells a radio button by it; the checks themselves
+            // follow the template's group marks (GroupRadios), not the parent.
+            radio->setAutoExclusive(true);
             return radio;
         }
     }
-    return new QWidget(this);
+    return new QWidget(m_content);
 }
 
 void DialogWindow::Connect(const ControlTemplate& control, QWidget* widget) {
@@ -266,6 +334,21 @@ std::vector<int> DialogWindow::RadioGroupOf(int id) const {
         if (control.kind == ControlKind::AutoRadioButton) group.push_back(control.id);
     }
     return group;
+}
+
+void DialogWindow::GroupRadios() {
+    // One button group per radio group of the template. It does not exclude: a handler may set the checks of
+    // a group as it likes, and a click's own check is set by CheckRadioInGroup.
+    for (int i = 0; i < m_template.controlCount; ++i) {
+        const ControlTemplate& control = m_template.controls[i];
+        if (control.kind != ControlKind::AutoRadioButton) continue;
+        const std::vector<int> group = RadioGroupOf(control.id);
+        if (group.empty() || group.front() != control.id) continue;
+        auto* buttons = new QButtonGroup(this);
+        buttons->setExclusive(false);
+        for (int member : group)
+            if (auto* radio = qobject_cast<QAbstractButton*>(Control(member))) buttons->addButton(radio);
+    }
 }
 
 void DialogWindow::CheckRadioInGroup(int id) {
@@ -324,7 +407,7 @@ std::string DialogWindow::Text(int id) const {
 }
 
 RECT DialogWindow::ClientRect(int id) const {
-    const QWidget* widget = Widget(id);
+    const QWidget* widget = Surface(id);
     if (widget == nullptr) return RECT{};
     QRect client = widget->rect();
     if (auto* frame = qobject_cast<const QFrame*>(widget)) client = frame->contentsRect();
@@ -332,14 +415,14 @@ RECT DialogWindow::ClientRect(int id) const {
 }
 
 RECT DialogWindow::ScreenRect(int id) const {
-    const QWidget* widget = Widget(id);
+    const QWidget* widget = Surface(id);
     if (widget == nullptr) return RECT{};
     const QPoint topLeft = widget->mapToGlobal(QPoint(0, 0));
     return RECT{topLeft.x(), topLeft.y(), topLeft.x() + widget->width(), topLeft.y() + widget->height()};
 }
 
 POINT DialogWindow::ToScreen(int id, POINT point) const {
-    const QWidget* widget = Widget(id);
+    const QWidget* widget = Surface(id);
     if (widget == nullptr) return point;
     const QPoint global = widget->mapToGlobal(QPoint(point.x, point.y));
     return POINT{global.x(), global.y()};
@@ -440,7 +523,7 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
     } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         if (auto* button = qobject_cast<QPushButton*>(focusWidget())) button->click();
         else Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDOK)});
-    } else if (event->key() == Qt::Key_Space && (event->modifiers() & Qt::AltModifier)) {
+    } else if (IsSystemMenuKey(*event)) {
         ShowSystemMenu();
     } else {
         QWidget::keyPressEvent(event);
@@ -449,9 +532,7 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
 
 void DialogWindow::mousePressEvent(QMouseEvent* event) {
     if (event->button() == Qt::RightButton) {
-        AfxMessage message{WM_RBUTTONDOWN};
-        message.point = CPoint(event->position().toPoint().x(), event->position().toPoint().y());
-        Deliver(message);
+        RightClickAt(m_content->mapFrom(this, event->position().toPoint()));
         return;
     }
     QDialog::mousePressEvent(event);
@@ -460,13 +541,12 @@ void DialogWindow::mousePressEvent(QMouseEvent* event) {
 void DialogWindow::accept() { Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDOK)}); }
 void DialogWindow::reject() { Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDCANCEL)}); }
 
-void DialogWindow::ShowSystemMenu() {
+void DialogWindow::ShowSystemMenu(const QPoint& at) {
     // The system menu: the items the dialog appended, then Close.
     CMenu menu;
     for (const CMenu::Item& item : m_systemMenu->Items()) menu.AppendMenu(item.flags, item.id, item.text);
     menu.AppendMenu(MF_SEPARATOR);
     menu.AppendMenu(MF_STRING, SC_CLOSE, "&Close");
-    const QPoint at = mapToGlobal(QPoint(0, 0));
     const UINT command = AfxPromptHook().TrackPopupMenu(menu, at.x(), at.y());
     if (command != 0) {
         AfxMessage message{WM_SYSCOMMAND};

@@ -14,6 +14,8 @@
 #include "platform/templates.h"
 
 class CWnd;
+class QKeyEvent;
+class QScrollArea;
 class QWidget;
 
 namespace platform {
@@ -26,11 +28,17 @@ public:
     QWidget* Control(int id) const;
     // Control id, or the dialog itself for 0.
     QWidget* Widget(int id) const { return id == 0 ? const_cast<DialogWindow*>(this) : Control(id); }
+    // Where control id has its pixels: the dialog's client area for 0 is the surface its controls stand on.
+    QWidget* Surface(int id) const { return id == 0 ? m_content : Control(id); }
 
     int DluToPixelsX(int dlu) const;
     int DluToPixelsY(int dlu) const;
     // Where a control of the template stands, in pixels of the dialog.
     QRect ControlRect(const ControlTemplate& control) const;
+
+    // Where room (a screen's available size, frame included) is smaller than the dialog, the dialog takes
+    // what there is and its controls scroll. Done for the screen whenever the window is shown on one.
+    void FitInto(const QSize& room);
 
     bool HasControl(int id) const override { return Control(id) != nullptr; }
     const void* ControlKey(int id) const override;
@@ -55,12 +63,21 @@ public:
     void Repaint(int id) override;
     bool IsMinimized() const override { return isMinimized(); }
 
+    bool PressKey(const std::string& sequence) override;
+    void RightClick(int id) override;
+    int FocusedControl() const override;
+    std::pair<std::string, std::string> Accessible(int id) const override;
+    void SetAccessibleName(int id, const std::string& name) override;
+
     void RunModalLoop() override { exec(); }
     void End(int result) override { done(result); }
     CMenu& SystemMenu() override { return *m_systemMenu; }
 
 protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
     void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void accept() override;
@@ -68,18 +85,46 @@ protected:
 
 private:
     void ComputeBaseUnits();
+    void FitToScreen();
     QWidget* CreateControl(const ControlTemplate& control);
     void Connect(const ControlTemplate& control, QWidget* widget);
     void CheckRadioInGroup(int id);
-    void ShowSystemMenu();
+    void GroupRadios();
+    // The window's system menu at a point of the screen.
+    void ShowSystemMenu(const QPoint& at);
+    void ShowSystemMenu() { ShowSystemMenu(mapToGlobal(QPoint(0, 0))); }
+
+    // Keyboard (dialogkeys.cpp): the template's tab stops and radio groups, and the keys of the system menu.
+    void SetUpKeyboard();
+    int IndexOf(const QWidget* widget) const;
+    bool IsTabStop(int index) const;
+    void MoveInRadioGroup(int id, int step);
+    // A right click at a point of the controls' surface: the dialog's handler hears it; off the pictures that draw
+    // themselves it opens the system menu.
+    void RightClickAt(const QPoint& point);
+    bool OnPicture(const QPoint& point) const;
+
+    // Assistive technology (accessibility.cpp): names from the labels, roles from the kinds.
+    void SetUpAccessibility();
 
     DialogOwner& m_owner;
     const DialogTemplate& m_template;
     int m_baseX = 6;   // average character width of the dialog font, pixels
     int m_baseY = 13;  // character height of the dialog font, pixels
     std::map<int, QWidget*> m_controls;
+    std::vector<QWidget*> m_widgets;  // every control, ID or not, in template order
+    QWidget* m_content = nullptr;     // the controls' surface, of the template's size
+    QScrollArea* m_scroll = nullptr;
     std::unique_ptr<CMenu> m_systemMenu;
 };
+
+// Gives a static the role its template decides, where its Qt class would tell another: a picture that draws
+// itself is a graphic, a rule of hyphens a hidden separator. Before its text is set, which may already
+// announce it (accessibility.cpp).
+void MarkTemplateRole(QWidget* widget, const ControlTemplate& control);
+
+// F1, and Alt+Space where no window manager has taken it: the keys that open a dialog's system menu.
+bool IsSystemMenuKey(const QKeyEvent& event);
 
 // The window whose modal loop runs now, or the newest open dialog: the parent of new dialogs.
 QWidget* ActiveDialogWidget();

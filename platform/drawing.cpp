@@ -88,6 +88,17 @@ void DcState::FillSpan(int y, int left, int right, COLORREF color) {
     }
 }
 
+void DcState::FillDeviceSpans(const std::vector<raster::Span>& spans, COLORREF color) {
+    if (kind != Kind::Memory || !image) return;
+    ReleaseImagePainter();
+    for (const raster::Span& span : spans) {
+        const int left = std::max(span.left, 0), right = std::min(span.right, image->width());
+        if (span.y < 0 || span.y >= image->height() || left >= right) continue;
+        QRgb* line = reinterpret_cast<QRgb*>(image->scanLine(span.y));
+        std::fill(line + left, line + right, ToQRgb(color));
+    }
+}
+
 void DcState::FillSpans(const std::vector<raster::Span>& spans, COLORREF color) {
     for (const raster::Span& span : spans) FillSpan(span.y, span.left, span.right, color);
 }

@@ -1,6 +1,7 @@
 // Pixel operations of CDC: fills, lines, rectangles, ellipses, single pixels, icons and the copy of one DC
 // into another.
 #include <QImage>
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -55,6 +56,27 @@ void DrawShape(DcState& state, const std::vector<raster::Span>& rows) {
     if (outlined) state.FillSpans(raster::Subtract(rows, inside), state.pen.m_color);
 }
 
+// A shape of a memory DC whose image has more device pixels than logical ones, rasterized in device pixels:
+// its corner falls where the logical corner does and its size is the logical size times the ratio, so that
+// marks of one size stay of one size and round at any ratio, wherever they stand.
+void DrawDeviceShape(DcState& state, bool ellipse, int x1, int y1, int x2, int y2) {
+    const qreal r = state.ratio;
+    const int left = state.DeviceEdge(x1), top = state.DeviceEdge(y1);
+    const int right = left + qRound((x2 - x1) * r), bottom = top + qRound((y2 - y1) * r);
+    const int rows = state.image->height();
+    const std::vector<raster::Span> shape = ellipse ? raster::EllipseRows(left, top, right, bottom, 0, rows)
+                                                    : raster::RectangleRows(left, top, right, bottom, 0, rows);
+    const bool outlined = state.pen.m_style != PS_NULL;
+    const std::vector<raster::Span> inside =
+        outlined ? raster::Erode(shape, std::max(1, qRound(state.pen.m_width * r))) : shape;
+    state.FillDeviceSpans(inside, state.brush.m_color);
+    if (outlined) state.FillDeviceSpans(raster::Subtract(shape, inside), state.pen.m_color);
+}
+
+bool DrawsInDevicePixels(const DcState& state) {
+    return state.kind == DcState::Kind::Memory && state.image && state.image->devicePixelRatio() != 1.0;
+}
+
 }  // namespace
 
 void CDC::FillSolidRect(const RECT* rect, COLORREF color) {
@@ -96,6 +118,10 @@ BOOL CDC::LineTo(int x, int y) {
 }
 
 BOOL CDC::Ellipse(int x1, int y1, int x2, int y2) {
+    if (DrawsInDevicePixels(*m_state)) {
+        DrawDeviceShape(*m_state, true, x1, y1, x2, y2);
+        return TRUE;
+    }
     const raster::Bounds surface = m_state->Surface();
     const int margin = m_state->pen.m_width + 1;
     DrawShape(*m_state, raster::EllipseRows(x1, y1, x2, y2, surface.top - margin, surface.bottom + margin));
@@ -103,6 +129,10 @@ BOOL CDC::Ellipse(int x1, int y1, int x2, int y2) {
 }
 
 BOOL CDC::Rectangle(int x1, int y1, int x2, int y2) {
+    if (DrawsInDevicePixels(*m_state)) {
+        DrawDeviceShape(*m_state, false, x1, y1, x2, y2);
+        return TRUE;
+    }
     const raster::Bounds surface = m_state->Surface();
     const int margin = m_state->pen.m_width + 1;
     DrawShape(*m_state, raster::RectangleRows(x1, y1, x2, y2, surface.top - margin, surface.bottom + margin));

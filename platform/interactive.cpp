@@ -1,15 +1,14 @@
 // The interactive prompt hook: shows prompts to the user.
-#include <QDesktopServices>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
 #include <QMessageBox>
-#include <QUrl>
 
 #include "platform/dialogwindow.h"
 #include "platform/files.h"
 #include "platform/prompt.h"
+#include "platform/textviewer.h"
 #include "platform/window.h"
 
 namespace {
@@ -90,9 +89,7 @@ public:
         return chosen != nullptr ? chosen->data().toUInt() : 0;
     }
 
-    void OpenDocument(const CString& path) override {
-        QDesktopServices::openUrl(QUrl::fromLocalFile(Q(path)));
-    }
+    void OpenDocument(const CString& path) override { platform::OpenOnDesktop(Q(path)); }
 
 private:
     QString m_lastDirectory;

@@ -62,7 +62,7 @@ void CIterationPlot::DrawAxes(CDC* dc, const RECT& rc) {
     CFont* oldFont = dc->SelectObject(&titleFont);
     dc->SetTextColor(kBlack);
     RECT title{rc.left + 40, rc.top, rc.right, rc.top + 20};
-    dc->DrawText("Average Sum Square Errors vs. Number of Iterations", &title, DT_CENTER);
+    dc->DrawText(kIterationTitle, &title, DT_CENTER);
 
     CPen framePen(PS_SOLID, 2, kBlack);
     CPen* oldPen = dc->SelectObject(&framePen);

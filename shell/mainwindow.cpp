@@ -4,6 +4,7 @@
 #include "platform/drawing.h"
 #include "platform/shared.h"
 #include "platform/thread.h"
+#include "shell/plotaxes.h"
 
 namespace {
 
@@ -108,6 +109,7 @@ BOOL CVantrelDlg::OnInitDialog() {
     GetDlgItem(IDC_ALGORITHMS)->SendMessage(CB_SETCURSEL, 0);
 
     ApplyAlgorithmRules();
+    plotaxes::NamePlot(m_iterationPlot, plotaxes::kIterationTitle);
 
     GetDlgItem(IDC_VERIFICATION)->EnableWindow(FALSE);
     GetDlgItem(IDC_ONLINE_TRAINING)->EnableWindow(FALSE);
@@ -159,6 +161,7 @@ void CVantrelDlg::ApplyAlgorithmRules() {
         m_bOnline = 0;
         GetDlgItem(IDC_ONLINE_TRAINING)->EnableWindow(FALSE);
     }
+    plotaxes::NamePlot(m_summaryPlot, plotaxes::SummaryTitle(m_summaryPlot.m_nMode, m_summaryPlot.m_nMultiplier));
     // The default depends on the algorithm alone and replaces what the user had typed.
     m_nIterations = (m_nAlgorithm == engine::kFirstOrder || m_nAlgorithm == engine::kImprovedFirstOrder) ? 100000 : 200;
     UpdateData(FALSE);

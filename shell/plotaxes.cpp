@@ -4,6 +4,19 @@
 
 namespace plotaxes {
 
+CString SummaryTitle(int mode, int multiplier) {
+    CString title;
+    if (mode == 2)
+        title.Format("Average Sum Square Errors vs. Number of RBF Units (x%d)", multiplier);
+    else
+        title.Format("Average Sum Square Errors vs. Number of Trials (x%d)", multiplier);
+    return title;
+}
+
+void NamePlot(CWnd& plot, const CString& title) {
+    if (platform::DialogControls* window = plot.Window()) window->SetAccessibleName(plot.GetDlgCtrlID(), title.str());
+}
+
 namespace {
 
 // Beyond this many decades a bound is not stepped to one decade at a time.

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "platform/drawing.h"
+#include "platform/window.h"
 #include "workspace/doublearray.h"
 
 namespace plotaxes {
@@ -13,6 +14,12 @@ constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
 constexpr COLORREF kGrid = RGB(0xD2, 0xD2, 0xD2);
 constexpr COLORREF kCurve = RGB(0x00, 0x00, 0xFF);
 constexpr const char* kAxisFace = "Times New Roman";
+
+// The titles the curve plots draw above their frames; they also name the plots for assistive technology.
+constexpr const char* kIterationTitle = "Average Sum Square Errors vs. Number of Iterations";
+CString SummaryTitle(int mode, int multiplier);
+// Names plot by its title for assistive technology, when it has a window. Main thread.
+void NamePlot(CWnd& plot, const CString& title);
 
 // The plotting area within the client rectangle c.
 RECT PlotFrame(const RECT& c);

@@ -46,11 +46,8 @@ void CSummaryPlot::DrawAxes(CDC* dc, const RECT& rc) {
     titleFont.CreatePointFont(110, kAxisFace);
     CFont* oldFont = dc->SelectObject(&titleFont);
     dc->SetTextColor(kBlack);
-    CString titleText;
-    if (m_nMode == 2)
-        titleText.Format("Average Sum Square Errors vs. Number of RBF Units (x%d)", m_nMultiplier);
-    else
-        titleText.Format("Average Sum Square Errors vs. Number of Trials (x%d)", m_nMultiplier);
+    const CString titleText = SummaryTitle(m_nMode, m_nMultiplier);
+    NamePlot(*this, titleText);
     RECT title{rc.left + 40, rc.top, rc.right, rc.top + 20};
     dc->DrawText(titleText, &title, DT_CENTER);
 

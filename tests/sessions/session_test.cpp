@@ -1,5 +1,6 @@
-// Runs every tests/sessions/NAME.session, and every examples/NAME.session of the user's guide, through
-// vantrel-session in a fresh directory, and compares what it printed with NAME.expected beside it. The transcript compared is standard output, then standard error as
+// Runs every tests/sessions/NAME.session, every examples/NAME.session of the user's guide and the README's
+// tour (docs/tour.session), through vantrel-session in a fresh directory, and compares what it printed with
+// NAME.expected beside it. The transcript compared is standard output, then standard error as
 // "stderr: LINE" lines, then "exit CODE". In an expected line "{}" matches any text.
 #include <gtest/gtest.h>
 
@@ -17,6 +18,7 @@ namespace {
 
 const std::string kSessionDir = std::string(VANTREL_SOURCE_DIR) + "/tests/sessions";
 const std::string kExampleDir = std::string(VANTREL_SOURCE_DIR) + "/examples";
+const std::string kDocsDir = std::string(VANTREL_SOURCE_DIR) + "/docs";
 
 std::vector<std::string> SessionNames(const std::string& folder) {
     std::vector<std::string> names;
@@ -88,6 +90,11 @@ INSTANTIATE_TEST_SUITE_P(Sessions, SessionTranscript, ::testing::ValuesIn(Sessio
 class ExampleTranscript : public ::testing::TestWithParam<std::string> {};
 TEST_P(ExampleTranscript, MatchesExpected) { ExpectTranscript(kExampleDir, GetParam()); }
 INSTANTIATE_TEST_SUITE_P(Examples, ExampleTranscript, ::testing::ValuesIn(SessionNames(kExampleDir)), TestName);
+
+// The tour that makes the README's pictures: its pictures go to the test's own folder, not into docs/.
+class TourTranscript : public ::testing::TestWithParam<std::string> {};
+TEST_P(TourTranscript, MatchesExpected) { ExpectTranscript(kDocsDir, GetParam()); }
+INSTANTIATE_TEST_SUITE_P(Docs, TourTranscript, ::testing::ValuesIn(SessionNames(kDocsDir)), TestName);
 
 TEST(SessionMatcher, WildcardMatchesAnyTextBetweenFixedParts) {
     EXPECT_TRUE(Matches("text 1027: {}", "text 1027: 0.015"));

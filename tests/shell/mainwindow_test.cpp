@@ -1,5 +1,8 @@
 // The main dialog's own rules: the information list's limit, the keys that must not end the program, and a
 // close during a run.
+#include <QAccessible>
+#include <QLabel>
+
 #include "reference/dialogsample.h"
 #include "shell/mainwindow.h"
 #include "support/main_dialog.h"
@@ -61,3 +64,19 @@ TEST_F(MainWindow, ACloseDuringARunStopsAndAwaitsTheWorkerBeforeReleasingAnythin
 }
 
 }  // namespace
+
+// The rule of hyphens above Load Data is a separator hidden from screen readers, not a label of hyphens.
+TEST_F(MainWindow, TheRuleIsAHiddenSeparatorToScreenReaders) {
+    QWidget* window = platform::WidgetOf(&m_dlg);
+    ASSERT_NE(window, nullptr);
+    int rules = 0;
+    for (QLabel* label : window->findChildren<QLabel*>()) {
+        if (label->text() != QString(76, QLatin1Char('-'))) continue;
+        ++rules;
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(label);
+        ASSERT_NE(accessible, nullptr);
+        EXPECT_EQ(accessible->role(), QAccessible::Separator);
+        EXPECT_TRUE(accessible->state().invisible);
+    }
+    EXPECT_EQ(rules, 1);
+}

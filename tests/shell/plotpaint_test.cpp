@@ -1,6 +1,7 @@
 // The plots painted by their own controls on the hidden main dialog: the paint DC, the client area inside the
 // sunken border, and the one copy from the memory bitmap.
 #include <QFrame>
+#include <algorithm>
 #include <QImage>
 #include <QWidget>
 
@@ -82,4 +83,53 @@ TEST_F(PlotPaint, AtDevicePixelRatioTwoAOnePixelLineIsTwoSharpDevicePixels) {
             splitBlocks += shown.pixel(x + 1, y) != p || shown.pixel(x, y + 1) != p || shown.pixel(x + 1, y + 1) != p;
         }
     EXPECT_GT(splitBlocks, 0) << "the plot was painted at 1x and scaled up";
+}
+
+// At a ratio of 1.5 a logical pixel is one or two device pixels, by where it falls; the marks are drawn in
+// device pixels, so that every one of them has the same shape, wherever it stands.
+TEST_F(PlotPaint, AtDevicePixelRatioOneAndAHalfEveryMarkHasOneShape) {
+    // Class-1 patterns one data unit apart along a diagonal of a range of 300: a step of 1.1, so marks fall on
+    // logical pixels of both parities.
+    std::vector<double> inputs, targets;
+    for (int i = 0; i <= 300; i += 30) {
+        inputs.insert(inputs.end(), {static_cast<double>(i), static_cast<double>(i)});
+        targets.push_back(i == 0 || i == 300 ? -1.0 : 1.0);
+    }
+    m_dlg.m_dataPlot.SetPatterns(inputs.data(), 2, targets.data(), targets.size());
+    m_dlg.m_dataPlot.RefreshDataPlot(true);
+    QWidget* widget = platform::WidgetOf(&m_dlg.m_dataPlot);
+    ASSERT_NE(widget, nullptr);
+    QImage shown(widget->size() * 1.5, QImage::Format_RGB32);
+    shown.setDevicePixelRatio(1.5);
+    widget->render(&shown);
+    // Each red mark as the set of its pixels, counted from its top left corner.
+    std::vector<std::vector<QPoint>> shapes;
+    std::vector<bool> seen(shown.width() * shown.height(), false);
+    for (int y = 0; y < shown.height(); ++y)
+        for (int x = 0; x < shown.width(); ++x) {
+            if (seen[y * shown.width() + x] || shown.pixel(x, y) != qRgb(0xFF, 0, 0)) continue;
+            std::vector<QPoint> shape, todo{QPoint(x, y)};
+            seen[y * shown.width() + x] = true;
+            while (!todo.empty()) {
+                const QPoint p = todo.back();
+                todo.pop_back();
+                shape.push_back(p);
+                for (const QPoint& d : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)}) {
+                    const QPoint q = p + d;
+                    if (!shown.rect().contains(q) || seen[q.y() * shown.width() + q.x()] ||
+                        shown.pixel(q) != qRgb(0xFF, 0, 0))
+                        continue;
+                    seen[q.y() * shown.width() + q.x()] = true;
+                    todo.push_back(q);
+                }
+            }
+            QPoint corner = shape.front();
+            for (const QPoint& p : shape) corner = QPoint(std::min(corner.x(), p.x()), std::min(corner.y(), p.y()));
+            for (QPoint& p : shape) p -= corner;
+            std::sort(shape.begin(), shape.end(),
+                      [](const QPoint& a, const QPoint& b) { return a.y() != b.y() ? a.y() < b.y() : a.x() < b.x(); });
+            shapes.push_back(shape);
+        }
+    ASSERT_EQ(shapes.size(), 9u);
+    for (const auto& shape : shapes) EXPECT_EQ(shape, shapes.front()) << "marks of one class differ in shape";
 }

@@ -109,6 +109,13 @@ void CScriptedPrompts::PressCancel(CDialog& dialog) {
     if (!dialog.IsEnded()) dialog.EndDialog(IDCANCEL);  // a dialog that ignores Cancel is ended all the same
 }
 
-UINT CScriptedPrompts::TrackPopupMenu(const CMenu&, int, int) { return 0; }
+UINT CScriptedPrompts::TrackPopupMenu(const CMenu& menu, int, int) {
+    // Shown and dismissed: a script chooses a command with "command ID".
+    std::string line = "menu:";
+    for (const CMenu::Item& item : menu.Items())
+        if (!(item.flags & MF_SEPARATOR)) line += (line.size() > 5 ? " | " : " ") + item.text.str();
+    m_print(line);
+    return 0;
+}
 
 void CScriptedPrompts::OpenDocument(const CString& path) { m_print("opened " + path.str()); }

@@ -90,6 +90,19 @@ private:
             CloseDialog();
             return kSessionDone;
         }
+        if (name == "key") {
+            if (Window() == nullptr || !Window()->PressKey(command.args[0]))
+                return Fail(command, "'key': no key sequence '" + command.args[0] + "'");
+            return kSessionDone;
+        }
+        if (name == "focus") {
+            Print("focus: " + std::to_string(Window() != nullptr ? Window()->FocusedControl() : 0));
+            return kSessionDone;
+        }
+        if (name == "rclick" && Id(command) == 0) {
+            if (Window() != nullptr) Window()->RightClick(0);
+            return kSessionDone;
+        }
         if (name == "command") {
             SendCommand(static_cast<UINT>(Id(command)));
             return kSessionDone;
@@ -112,16 +125,21 @@ private:
         } else if (name == "text") Print(prefix + window->Text(id));
         else if (name == "enabled") Print(prefix + (window->IsEnabled(id) ? "1" : "0"));
         else if (name == "checked") Print(prefix + (window->Send(id, BM_GETCHECK, 0, 0) == BST_CHECKED ? "1" : "0"));
-        else if (name == "items") {
+        else if (name == "rclick") window->RightClick(id);
+        else if (name == "accessible") {
+            const auto [role, accessibleName] = window->Accessible(id);
+            Print(prefix + role + ": " + accessibleName);
+        } else if (name == "items") {
             for (const std::string& item : window->Items(id)) Print("item " + std::to_string(id) + ": " + item);
             Print("selected " + std::to_string(id) + ": " + std::to_string(window->SelectedIndex(id)));
         } else if (name == "png") {
             QWidget* widget = platform::WidgetOf(m_dialog.GetDlgItem(id));
             const std::string path = Resolve(command.args[1], m_outputDir);
-            // At one device pixel per pixel whatever the screen's scale, so that pictures compare across
-            // machines.
-            QImage picture(widget->size(), QImage::Format_RGB32);
-            picture.setDevicePixelRatio(1.0);
+            // At the screen's device pixel ratio, as a user sees it: one device pixel per pixel on the
+            // offscreen platform unless QT_SCALE_FACTOR says otherwise.
+            const qreal ratio = widget->devicePixelRatioF();
+            QImage picture(widget->size() * ratio, QImage::Format_RGB32);
+            picture.setDevicePixelRatio(ratio);
             widget->render(&picture);
             if (!picture.save(QString::fromStdString(path), "PNG"))
                 return Fail(command, "cannot write " + path);

@@ -46,7 +46,8 @@ const std::map<std::string, std::pair<int, int>>& Arity() {
         {"file", {1, 1}},    {"dialog", {1, -1}},  {"click", {1, 1}},   {"set", {2, 2}},
         {"select", {2, 2}},  {"command", {1, 1}},  {"wait", {0, 1}},    {"sleep", {1, 1}},
         {"close", {0, 0}},   {"text", {1, 1}},     {"enabled", {1, 1}}, {"checked", {1, 1}},
-        {"items", {1, 1}},   {"png", {2, 2}},      {"echo", {0, -1}},
+        {"items", {1, 1}},   {"png", {2, 2}},      {"echo", {0, -1}},   {"key", {1, 1}},
+        {"focus", {0, 0}},   {"accessible", {1, 1}}, {"rclick", {1, 1}},
     };
     return arity;
 }
@@ -95,7 +96,8 @@ bool CheckCommand(SessionCommand& command, std::string& message) {
     }
     if (command.name == "dialog") return ParseDialogActions(command, message);
     static const char* const numericFirst[] = {"click", "set", "select", "command", "text", "enabled",
-                                               "checked", "items",  "png",    "sleep",   "wait"};
+                                               "checked", "items",  "png",    "sleep",   "wait",
+                                               "accessible", "rclick"};
     int number = 0;
     for (const char* name : numericFirst)
         if (command.name == name && count > 0 && !ParseIntToken(command.args[0], number)) {
