@@ -19,6 +19,10 @@ struct CNetworkParameters {
 
 enum class ParamFileStatus { Ok, NoInputs, UnitsMismatch };
 
+// The messages of a parameter file that can't be taken.
+inline constexpr const char* kUnitsMismatch = "Number of RBF units does not match!";
+inline constexpr const char* kParamFileTooLarge = "Parameter file is too large to load!";
+
 // Reads the four rows of text for a data set of nInputs inputs. The counts are the only test: UnitsMismatch
 // when a row's count disagrees with u, or when row 1 isn't a whole number of units.
 ParamFileStatus ParseParameterText(std::string_view text, UINT nInputs, CNetworkParameters& params);
