@@ -126,15 +126,34 @@ struct CRunRequest {
     bool online = false;
 };
 
-// Runs on its own thread; the calling thread holds no GIL while it waits, and abandons the run on Ctrl-C.
+// Waits without the GIL until done, taking it at short intervals to look for Ctrl-C (any signal whose Python
+// handler raises), which abandons the run. True when that happened: the exception is then set.
+bool WaitWatchingSignals(std::mutex& mutex, std::condition_variable& finished, const bool& done,
+                         engine::CCancelToken& cancel) {
+    bool interrupted = false;
+    std::unique_lock<std::mutex> lock(mutex);
+    while (!finished.wait_for(lock, std::chrono::milliseconds(50), [&] { return done; })) {
+        lock.unlock();
+        {
+            py::gil_scoped_acquire gil;
+            if (!interrupted && PyErr_CheckSignals() != 0) {
+                interrupted = true;
+                cancel.Abandon();
+            }
+        }
+        lock.lock();
+    }
+    return interrupted;
+}
+
+// Runs on a thread of its own while the calling thread, without the GIL, waits and watches for Ctrl-C.
 engine::CRunOutcome RunReleased(engine::CNetworkBuffers& buffers, const CRunRequest& request,
                                 CCollectingSink& sink, engine::CCancelToken& cancel) {
     engine::CRunOutcome outcome;
     std::exception_ptr crash;
-    bool done = false;
+    bool done = false, interrupted = false;
     std::mutex mutex;
     std::condition_variable finished;
-    bool interrupted = false;
     {
         py::gil_scoped_release release;
         std::thread worker([&] {
@@ -149,19 +168,7 @@ engine::CRunOutcome RunReleased(engine::CNetworkBuffers& buffers, const CRunRequ
             done = true;
             finished.notify_one();
         });
-        std::unique_lock<std::mutex> lock(mutex);
-        while (!finished.wait_for(lock, std::chrono::milliseconds(50), [&] { return done; })) {
-            lock.unlock();
-            {
-                py::gil_scoped_acquire gil;
-                if (!interrupted && PyErr_CheckSignals() != 0) {
-                    interrupted = true;
-                    cancel.Abandon();
-                }
-            }
-            lock.lock();
-        }
-        lock.unlock();
+        interrupted = WaitWatchingSignals(mutex, finished, done, cancel);
         worker.join();
     }
     if (interrupted) throw py::error_already_set();
@@ -170,10 +177,8 @@ engine::CRunOutcome RunReleased(engine::CNetworkBuffers& buffers, const CRunRequ
     return outcome;
 }
 
-// One run of an algorithm from the given network (or, with none, from a draw per trial), on X and y, with
-// X_new and y_new appended behind them for the online training of an Error Correction network.
-py::dict Train(const Array& X, const Array& y, const py::object& network, const py::dict& options,
-               const py::object& callback) {
+// The settings of a run from the options that the estimators pass.
+CRunRequest RequestOf(const py::dict& options) {
     CRunRequest request;
     engine::CFixedSettings& s = request.settings;
     s.algorithm = static_cast<engine::Algorithm>(options["algorithm"].cast<int>());
@@ -183,47 +188,65 @@ py::dict Train(const Array& X, const Array& y, const py::object& network, const 
     s.maxUnits = options["max_units"].cast<UINT>();
     s.learningConstant = options["learning_constant"].cast<double>();
     s.momentum = options["momentum"].cast<double>();
-    s.loadFromFile = !network.is_none();
     request.online = options["online"].cast<bool>();
     request.seed = options["seed"].cast<unsigned>();
+    request.units = options["units"].cast<UINT>();
     const auto groups = options["groups"].cast<std::vector<std::vector<double>>>();  // mode, min, max, fixed
     engine::CGroupDraw* draws[] = {&request.init.inputWeights, &request.init.outputWeights, &request.init.widths};
-    for (int g = 0; g < 3; ++g) *draws[g] = {static_cast<int>(groups[g][0]), groups[g][1], groups[g][2], groups[g][3]};
+    for (int g = 0; g < 3; ++g)
+        *draws[g] = {static_cast<int>(groups[g][0]), groups[g][1], groups[g][2], groups[g][3]};
     request.init.centerMode = options["center_mode"].cast<int>();
+    return request;
+}
 
+// The patterns (the first `known` of them the old ones of an online run) and the network to start from: the
+// given one, or with none a network of request.units that each trial draws anew.
+void LoadTrainee(engine::CNetworkBuffers& buffers, const Array& X, const Array& y, UINT known,
+                 const py::object& network, UINT units) {
     const auto patterns = static_cast<UINT>(X.shape(0)), inputs = static_cast<UINT>(X.shape(1));
-    engine::CCancelToken cancel;
-    engine::CNetworkBuffers buffers(cancel);
-    engine::CSeededRand random(request.seed);
-    buffers.SetAlgorithm(s.algorithm);
-    buffers.SetInitialization(request.init, &random);
-    const auto known = static_cast<UINT>(options["known_patterns"].cast<py::ssize_t>());
     buffers.SetPatterns(X.data(), y.data(), known, inputs);
-    if (known < patterns) buffers.AppendPatterns(X.data() + std::size_t(known) * inputs, y.data() + known, patterns - known);
+    if (known < patterns)
+        buffers.AppendPatterns(X.data() + std::size_t(known) * inputs, y.data() + known, patterns - known);
     if (network.is_none()) {
-        buffers.SetUnits(options["units"].cast<UINT>());
-    } else {
-        const py::dict net = network.cast<py::dict>();
-        const Array widths = net["widths"].cast<Array>();
-        buffers.SetNetwork(static_cast<UINT>(widths.size()), net["input_weights"].cast<Array>().data(),
-                           net["output_weights"].cast<Array>().data(), widths.data(),
-                           net["centers"].cast<Array>().data());
+        buffers.SetUnits(units);
+        return;
     }
+    const py::dict net = network.cast<py::dict>();
+    const Array widths = net["widths"].cast<Array>();
+    buffers.SetNetwork(static_cast<UINT>(widths.size()), net["input_weights"].cast<Array>().data(),
+                       net["output_weights"].cast<Array>().data(), widths.data(), net["centers"].cast<Array>().data());
+}
 
-    CCollectingSink sink(callback, s.algorithm == engine::kErrorCorrection, cancel);
-    const engine::CRunOutcome outcome = RunReleased(buffers, request, sink, cancel);
-    if (outcome.ending == engine::RunEnding::Failed) throw std::runtime_error(outcome.message);
-
+py::dict ResultOf(engine::CNetworkBuffers& buffers, const CCollectingSink& sink) {
     const engine::CNetwork net = buffers.Network();
-    const std::size_t u = net.nUnits, n = inputs;
+    const std::size_t u = net.nUnits, n = net.nInputs;
     py::dict result = NetworkDict(net.nUnits, std::vector<double>(net.pInputWeights, net.pInputWeights + u * n),
                                   std::vector<double>(net.pOutputWeights, net.pOutputWeights + u + 1),
                                   std::vector<double>(net.pWidths, net.pWidths + u),
-                                  std::vector<double>(net.pCenters, net.pCenters + u * n), inputs);
+                                  std::vector<double>(net.pCenters, net.pCenters + u * n), net.nInputs);
     result["errors"] = ToArray(sink.m_errors, {static_cast<py::ssize_t>(sink.m_errors.size())});
     result["trial_errors"] = ToArray(sink.m_finalErrors, {static_cast<py::ssize_t>(sink.m_finalErrors.size())});
     result["n_iter"] = sink.m_iterations;
     return result;
+}
+
+// One run of an algorithm from the given network (or, with none, from a draw per trial) on X and y, of which
+// the patterns from options["known_patterns"] on are the new data of an online run.
+py::dict Train(const Array& X, const Array& y, const py::object& network, const py::dict& options,
+               const py::object& callback) {
+    CRunRequest request = RequestOf(options);
+    request.settings.loadFromFile = !network.is_none();
+    engine::CCancelToken cancel;
+    engine::CNetworkBuffers buffers(cancel);
+    engine::CSeededRand random(request.seed);
+    buffers.SetAlgorithm(request.settings.algorithm);
+    buffers.SetInitialization(request.init, &random);
+    LoadTrainee(buffers, X, y, options["known_patterns"].cast<UINT>(), network, request.units);
+
+    CCollectingSink sink(callback, request.settings.algorithm == engine::kErrorCorrection, cancel);
+    const engine::CRunOutcome outcome = RunReleased(buffers, request, sink, cancel);
+    if (outcome.ending == engine::RunEnding::Failed) throw std::runtime_error(outcome.message);
+    return ResultOf(buffers, sink);
 }
 
 // The network's output for every row of X, by the engine's own formula.
