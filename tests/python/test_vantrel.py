@@ -38,7 +38,8 @@ def test_load_data_reads_by_the_scanners_rules(tmp_path):
     np.testing.assert_array_equal(y, [1, -1])
 
 
-@pytest.mark.parametrize("estimator", [vantrel.RBFRegressor(), vantrel.RBFClassifier()], ids=["regressor", "classifier"])
+@pytest.mark.parametrize("estimator", [vantrel.RBFRegressor(), vantrel.RBFClassifier()],
+                         ids=["regressor", "classifier"])
 def test_check_estimator(estimator):
     check_estimator(estimator)
 
