@@ -6,10 +6,13 @@
 
 Both load the 2-input data set of 10000 patterns, start the Second Order Gradient Method from the same
 100-unit network (1 + 100 + 100 + 200 = 401 parameters) and run the method's default of 200 iterations. The
-ratio is Python / window, whole processes: the interpreter's start (about a second) is in it.
+ratio is Python / window, whole processes: the interpreter's start (about a second) is in it. Each prints the
+read-outs of the run, 1027 being the seconds of the run alone (in Python: of fit); to keep them, write the
+commands as sh -c 'exec CMD >>FILE' (see farm-bench --help).
 """
 import pathlib
 import sys
+import time
 
 import vantrel  # first: it sets how the BLAS threads wait before numpy loads the BLAS
 import numpy as np
@@ -28,6 +31,7 @@ click 1010
 wait 600
 text 1024
 text 1025
+text 1027
 """
 
 
@@ -46,8 +50,11 @@ def prepare(folder):
 
 def fit(folder):
     X, y = vantrel.load_data(folder / "fit.txt")
-    est = vantrel.RBFRegressor(init=str(folder / "fit.ini"), iterations=ITERATIONS, desired_error=0).fit(X, y)
-    print(f"text 1024: {est.n_iter_}\ntext 1025: {est.errors_[-1]:.12f}")
+    est = vantrel.RBFRegressor(init=str(folder / "fit.ini"), iterations=ITERATIONS, desired_error=0)
+    start = time.perf_counter()
+    est.fit(X, y)
+    seconds = time.perf_counter() - start
+    print(f"text 1024: {est.n_iter_}\ntext 1025: {est.errors_[-1]:.12f}\ntext 1027: {seconds:.3f}")
 
 
 if __name__ == "__main__":
