@@ -27,8 +27,9 @@ def main(output="compare_algorithms.png"):
         init = "manual" if growing else str(DATA / "sin1d_3units.ini")
         est = vantrel.RBFRegressor(algorithm=algorithm, init=init, iterations=2000, max_units=5).fit(X, y)
         label = f"{algorithm} ({est.n_iter_} iterations, error {est.errors_[-1]:.2e})"
-        ax.plot(range(len(est.errors_)), est.errors_, label=label)
-    ax.set(xscale="log", yscale="log", xlabel="iteration (Error Correction: of all units in turn)",
+        # As on the window's iteration plot, x = 1 is the error before the first iteration.
+        ax.plot(range(1, len(est.errors_) + 1), est.errors_, label=label)
+    ax.set(xscale="log", yscale="log", xlabel="iterations + 1 (Error Correction: of all units in turn)",
            ylabel="average sum square error", title="sin1d.txt: five algorithms")
     ax.legend(fontsize="small")
     fig.savefig(output, dpi=100)
