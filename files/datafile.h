@@ -14,6 +14,10 @@ inline constexpr const char* kDataFileFilter =
 
 // The message when a data set's counts or blocks would not fit in memory.
 inline constexpr const char* kDataSetTooLarge = "Data set is too large to load!";
+// A data set whose values don't fill its rows, and the sets that can't be trained.
+inline constexpr const char* kDataFileIncomplete = "Data file is incompleted!";
+inline constexpr const char* kNoPatterns = "Data file holds no patterns!";
+inline constexpr const char* kNoInputs = "Number of Inputs Should Be Larger Than Zero";
 
 struct CDataSetShape {
     std::size_t patterns = 0;  // rows of the text

@@ -1,6 +1,7 @@
 // The parameter file: the four rows of a stored network.
 #include "files/paramfile.h"
 
+#include <charconv>
 #include <climits>
 
 #include "files/scanner.h"
@@ -20,4 +21,29 @@ ParamFileStatus ParseParameterText(std::string_view text, UINT nInputs, CNetwork
     if (ScanRowValues(rows, params.widths) != u) return ParamFileStatus::UnitsMismatch;
     params.units = static_cast<UINT>(u);
     return ParamFileStatus::Ok;
+}
+
+namespace {
+
+void AppendRow(std::string& text, const std::vector<double>& values) {
+    // Fixed notation of a double takes at most 309 digits before the point and 1074 after it.
+    char number[1100];
+    for (std::size_t k = 0; k < values.size(); ++k) {
+        if (k > 0) text += ' ';
+        const std::to_chars_result end =
+            std::to_chars(number, number + sizeof number, values[k], std::chars_format::fixed);
+        text.append(number, end.ptr);
+    }
+    text += "\r\n";
+}
+
+}  // namespace
+
+std::string ParameterFileText(const CNetworkParameters& params) {
+    std::string text;
+    AppendRow(text, params.inputWeights);
+    AppendRow(text, params.outputWeights);
+    AppendRow(text, params.centers);
+    AppendRow(text, params.widths);
+    return text;
 }

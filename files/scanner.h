@@ -30,6 +30,9 @@ std::string MakeScanText(const char* bytes, std::size_t length);
 
 enum class ReadTextResult { Ok, CannotOpen, NoMemory };
 
+// The message of every file of numbers that does not open.
+inline constexpr const char* kCannotOpenFile = "Sorry, Cannot Open File!";
+
 // Reads the file at path whole into text (as MakeScanText makes it). On CannotOpen or NoMemory, text is
 // left as it was.
 ReadTextResult ReadScanText(const char* path, std::string& text);

@@ -143,8 +143,7 @@ bool LoadParameterFile(CVantrelDlg& dlg) {
     std::string text;
     const ReadTextResult read = ReadScanText(fileDlg.GetPathName(), text);
     if (read != ReadTextResult::Ok) {
-        dlg.MessageBox(read == ReadTextResult::CannotOpen ? "Sorry, Cannot Open File!"
-                                                          : "Parameter file is too large to load!",
+        dlg.MessageBox(read == ReadTextResult::CannotOpen ? kCannotOpenFile : kParamFileTooLarge,
                        "Error", MB_ICONHAND);
         dlg.m_bNetworkReady = false;
         return false;
@@ -152,7 +151,7 @@ bool LoadParameterFile(CVantrelDlg& dlg) {
 
     CNetworkParameters params;
     if (ParseParameterText(text, dlg.m_nInputs, params) != ParamFileStatus::Ok) {
-        dlg.MessageBox("Number of RBF units does not match!", "Error", MB_ICONHAND);
+        dlg.MessageBox(kUnitsMismatch, "Error", MB_ICONHAND);
         return false;
     }
     if (!ReplaceNetworkArrays(dlg, params.units)) {

@@ -11,9 +11,6 @@
 
 namespace {
 
-constexpr const char* kNoPatterns = "Data file holds no patterns!";
-constexpr const char* kNoInputs = "Number of Inputs Should Be Larger Than Zero";
-
 // Allocates both pattern arrays or neither.
 bool AllocatePatternArrays(CVantrelDlg& dlg) {
     try {
@@ -44,7 +41,7 @@ void CVantrelDlg::OnLoadData() {
     std::string text;
     const ReadTextResult read = ReadScanText(m_strDataPath, text);
     if (read != ReadTextResult::Ok) {
-        MessageBox(read == ReadTextResult::CannotOpen ? "Sorry, Cannot Open File!" : kDataSetTooLarge, "Error",
+        MessageBox(read == ReadTextResult::CannotOpen ? kCannotOpenFile : kDataSetTooLarge, "Error",
                    MB_ICONHAND);
         m_bDataLoaded = false;
         return;
@@ -84,7 +81,7 @@ void CVantrelDlg::OnLoadData() {
     std::copy(rows.inputs.begin(), rows.inputs.end(), m_pInputs);
     std::copy(rows.targets.begin(), rows.targets.end(), m_pTargets);
     if (rows.values != rows.inputs.size() + rows.targets.size()) {
-        MessageBox("Data file is incompleted!", "Error", MB_ICONHAND);
+        MessageBox(kDataFileIncomplete, "Error", MB_ICONHAND);
         m_bDataLoaded = false;
         return;
     }

@@ -161,3 +161,17 @@ TEST(CSeededRand, GivesTheCLibraryNumbersOfItsSeed) {
     std::srand(77);
     for (int k = 0; k < 5; ++k) EXPECT_EQ(fromSource[k], std::rand()) << "number " << k;
 }
+
+TEST(CSeededRand, DrawsOfTheBuffersFollowTheSeedGiven) {
+    // The buffers draw from the caller's seeded generator; nothing of their own reseeds it between draws.
+    auto widthsOf = [](unsigned seed) {
+        Draw d(6, 1, 3);
+        d.settings.widths = {engine::kGroupRandom, 0.1, 0.9, 0.0};
+        engine::CSeededRand seeded(seed);
+        d.buffers.SetInitialization(d.settings, &seeded);
+        d.buffers.InitializeNetwork();
+        return Copy(d.buffers.Network().pWidths, 3);
+    };
+    EXPECT_EQ(widthsOf(7), widthsOf(7));
+    EXPECT_NE(widthsOf(7), widthsOf(8));
+}
