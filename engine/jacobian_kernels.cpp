@@ -268,9 +268,11 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
                              double* spare, const CCancelToken& cancel) {
     KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams);
-    // The two halves' rows and the second gradient, refused before they are taken when they can't fit.
+    // The two halves' rows and the second gradient, and a BLAS buffer for each half's thread, refused before
+    // they are taken when they can't fit.
     const UINT block = BlockPatterns(net.layout);
-    if (!DoublesFit(2.0 * rowCount * Padded(block) + n)) throw std::bad_alloc();
+    if (!DoublesFit(2.0 * rowCount * Padded(block) + n) || !BlasBuffersFit(std::min(ThreadCount(), 2)))
+        throw std::bad_alloc();
     std::vector<CBlockScratch>& halves = ScratchOfHalves();
     std::vector<double> secondGradient(n);
     for (CBlockScratch& s : halves) {
