@@ -115,8 +115,10 @@ bool MemoryFits(double bytes) {
 bool BlasBuffersFit(int callers) {
     const int held = g_blasBuffers.load();
     if (callers <= held) return true;
-    // A buffer is address space, not memory: only a few pages of it are ever touched.
-    if (!AddressSpaceFits((callers - held) * kBlasBufferBytes, ProcessSize())) return false;
+    // A buffer is address space, not memory: only a few pages of it are ever touched. Beside the buffers the
+    // products need their scratch rows (checked apart, at most some 16 MiB) and a helper thread's stack.
+    constexpr double kBeside = 32.0 * 1024 * 1024;
+    if (!AddressSpaceFits((callers - held) * kBlasBufferBytes + kBeside, ProcessSize())) return false;
     int expected = held;
     g_blasBuffers.compare_exchange_strong(expected, callers);
     return true;
