@@ -1,4 +1,5 @@
 // The application object and its start.
+#include "engine/blas_limits.h"
 #include "engine/kernels.h"
 #include "shell/mainwindow.h"
 
@@ -16,5 +17,6 @@ static CVantrelApp theApp;
 
 int main(int argc, char** argv) {
     engine::kernels::StartWithQuietBlasThreads(argv);
+    engine::FitBlasToAddressSpace(argv);
     return theApp.Run(argc, argv);
 }

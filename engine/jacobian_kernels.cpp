@@ -64,9 +64,8 @@ struct CBlockScratch {
 // layout.Count() - 1; entries of e = target - output, in the order of the packed vector). Built twice, and
 // chosen at run time: with AVX2 where the processor has it, else with the instructions every x86-64 has. Both
 // give the same numbers; only the width of the vectors differs.
-__attribute__((target_clones("avx2", "default")))
-void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch& s, bool rows,
-                  const CCancelToken& cancel) {
+inline __attribute__((always_inline)) void ForwardBlockBody(const CNetworkView& net, UINT first, UINT count,
+                                                            CBlockScratch& s, bool rows, const CCancelToken& cancel) {
     const CParamLayout& layout = net.layout;
     const size_t n = layout.nInputs, m = Padded(count);
     for (size_t i = 0; i < n; ++i) {
@@ -115,6 +114,32 @@ void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch
             for (size_t r = 0; r < m; ++r) weightRow[r] = -centerRow[r] * xi[r];
         }
     }
+}
+
+void ForwardBlockDefault(const CNetworkView& net, UINT first, UINT count, CBlockScratch& s, bool rows,
+                         const CCancelToken& cancel) {
+    ForwardBlockBody(net, first, count, s, rows, cancel);
+}
+
+// AVX2 without FMA: a fused multiply-add would round otherwise than the default build does.
+__attribute__((target("avx2"))) void ForwardBlockAvx2(const CNetworkView& net, UINT first, UINT count,
+                                                      CBlockScratch& s, bool rows, const CCancelToken& cancel) {
+    ForwardBlockBody(net, first, count, s, rows, cancel);
+}
+
+using ForwardFunction = void (*)(const CNetworkView&, UINT, UINT, CBlockScratch&, bool, const CCancelToken&);
+
+// Chosen by an ordinary call at the first block rather than by a resolver that the loader runs before main: a
+// sanitizer's run-time is not ready that early, and its instrumented resolver would crash the start.
+ForwardFunction ChooseForward() {
+    __builtin_cpu_init();
+    return __builtin_cpu_supports("avx2") ? ForwardBlockAvx2 : ForwardBlockDefault;
+}
+
+void ForwardBlock(const CNetworkView& net, UINT first, UINT count, CBlockScratch& s, bool rows,
+                  const CCancelToken& cancel) {
+    static const ForwardFunction forward = ChooseForward();
+    forward(net, first, count, s, rows, cancel);
 }
 
 // The rows that no unit writes: the bias (-1.0), output weights beyond the units' own and rows past the
@@ -243,9 +268,11 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
                              double* spare, const CCancelToken& cancel) {
     KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams);
-    // The two halves' rows and the second gradient, refused before they are taken when they can't fit.
+    // The two halves' rows and the second gradient, and a BLAS buffer for each half's thread, refused before
+    // they are taken when they can't fit.
     const UINT block = BlockPatterns(net.layout);
-    if (!DoublesFit(2.0 * rowCount * Padded(block) + n)) throw std::bad_alloc();
+    if (!DoublesFit(2.0 * rowCount * Padded(block) + n) || !BlasBuffersFit(std::min(ThreadCount(), 2)))
+        throw std::bad_alloc();
     std::vector<CBlockScratch>& halves = ScratchOfHalves();
     std::vector<double> secondGradient(n);
     for (CBlockScratch& s : halves) {

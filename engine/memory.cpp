@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <fstream>
 #include <string>
 
@@ -52,12 +53,26 @@ unsigned long long ControlGroupLimit() {
     return limit;
 }
 
-unsigned long long ResidentBytes() {
+// The process's address space and its resident part, in bytes.
+struct CProcessSize {
+    unsigned long long mapped = 0, resident = 0;
+};
+
+CProcessSize ProcessSize() {
     std::ifstream statm("/proc/self/statm");
     unsigned long long size = 0, resident = 0;
-    if (!(statm >> size >> resident)) return 0;
-    return resident * static_cast<unsigned long long>(sysconf(_SC_PAGE_SIZE));
+    if (!(statm >> size >> resident)) return {};
+    const auto page = static_cast<unsigned long long>(sysconf(_SC_PAGE_SIZE));
+    return {size * page, resident * page};
 }
+
+// True when bytes more of address space fit within the limit, if there is one.
+bool AddressSpaceFits(double bytes, const CProcessSize& now) {
+    const unsigned long long limit = AddressSpaceLimit();
+    return limit == 0 || bytes + static_cast<double>(now.mapped) <= static_cast<double>(limit);
+}
+
+std::atomic<int> g_blasBuffers{0};  // buffers the BLAS has had room for
 
 unsigned long long UsableMemoryNow() {
     const long pages = sysconf(_SC_PHYS_PAGES);
@@ -65,9 +80,7 @@ unsigned long long UsableMemoryNow() {
     unsigned long long usable =
         pages > 0 && pageSize > 0 ? static_cast<unsigned long long>(pages) * pageSize : kNoLimit;
     usable = std::min(usable, ControlGroupLimit());
-    struct rlimit space {};
-    if (getrlimit(RLIMIT_AS, &space) == 0 && space.rlim_cur != RLIM_INFINITY)
-        usable = std::min<unsigned long long>(usable, space.rlim_cur);
+    if (AddressSpaceLimit() != 0) usable = std::min(usable, AddressSpaceLimit());
     return usable;
 }
 
@@ -79,6 +92,15 @@ unsigned long long UsableMemory() {
     return usable;
 }
 
+unsigned long long AddressSpaceLimit() {
+    static const unsigned long long limit = [] {
+        struct rlimit space {};
+        if (getrlimit(RLIMIT_AS, &space) != 0 || space.rlim_cur == RLIM_INFINITY) return 0ull;
+        return static_cast<unsigned long long>(space.rlim_cur);
+    }();
+    return limit;
+}
+
 bool MemoryFits(double bytes) {
     if (!(bytes >= 0)) return false;
     // A block this small can't be what exhausts the memory, and a run asks for its scratch blocks at every
@@ -86,7 +108,20 @@ bool MemoryFits(double bytes) {
     constexpr double kSmallBlock = 16.0 * 1024 * 1024;
     const double usable = static_cast<double>(UsableMemory());
     if (bytes <= kSmallBlock) return bytes <= usable;
-    return bytes + static_cast<double>(ResidentBytes()) <= usable;
+    const CProcessSize now = ProcessSize();
+    return bytes + static_cast<double>(now.resident) <= usable && AddressSpaceFits(bytes, now);
+}
+
+bool BlasBuffersFit(int callers) {
+    const int held = g_blasBuffers.load();
+    if (callers <= held) return true;
+    // A buffer is address space, not memory: only a few pages of it are ever touched. Beside the buffers the
+    // products need their scratch rows (checked apart, at most some 16 MiB) and a helper thread's stack.
+    constexpr double kBeside = 32.0 * 1024 * 1024;
+    if (!AddressSpaceFits((callers - held) * kBlasBufferBytes + kBeside, ProcessSize())) return false;
+    int expected = held;
+    g_blasBuffers.compare_exchange_strong(expected, callers);
+    return true;
 }
 
 }  // namespace engine

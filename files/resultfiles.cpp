@@ -1,6 +1,7 @@
 // The timestamped result file of a run and its blocks.
 #include "files/resultfiles.h"
 
+#include <cerrno>
 #include <climits>
 #include <cstring>
 
@@ -56,9 +57,33 @@ CString ExecutableDirectory() {
     return path.Left(path.ReverseFind('/') + 1);
 }
 
+std::string AsideName(const std::string& path, int number) {
+    const size_t dot = path.rfind('.');
+    const size_t slash = path.rfind('/');
+    const bool hasExtension = dot != std::string::npos && (slash == std::string::npos || dot > slash);
+    const size_t at = hasExtension ? dot : path.size();
+    return path.substr(0, at) + "." + std::to_string(number) + path.substr(at);
+}
+
+bool MoveAside(const CString& path) {
+    // Far more names than a second can give; a folder that has them all taken is not one to write into.
+    constexpr int kMostNames = 100000;
+    for (int number = 1; number <= kMostNames; ++number) {
+        const int error = CFile::Rename(path, AsideName(path.str(), number).c_str());
+        if (error == 0 || error == ENOENT) return true;
+        if (error != EEXIST) return false;
+    }
+    return false;
+}
+
 bool CreateStampedFile(const char* suffix, CString& path) {
     const CTime now = CTime::GetTickCount();
-    path = ExecutableDirectory() + TimestampedFileName(*now.GetLocalTm(), suffix).c_str();
+    return CreateStampedFile(suffix, *now.GetLocalTm(), path);
+}
+
+bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path) {
+    path = ExecutableDirectory() + TimestampedFileName(local, suffix).c_str();
+    if (!MoveAside(path)) return false;
     CFile file;
     if (!file.Open(path, CFile::modeCreate)) return false;
     return file.Close() != FALSE;

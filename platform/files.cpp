@@ -30,6 +30,15 @@ BOOL CFile::Fail() {
     return FALSE;
 }
 
+int CFile::Rename(LPCTSTR oldName, LPCTSTR newName) {
+    if (renameat2(AT_FDCWD, oldName, AT_FDCWD, newName, RENAME_NOREPLACE) == 0) return 0;
+    if (errno != EINVAL && errno != ENOSYS) return errno;
+    // A file system that can't rename without replacing: a second link that fails on a taken name, then the
+    // old name goes.
+    if (::link(oldName, newName) != 0) return errno;
+    return ::unlink(oldName) == 0 ? 0 : errno;
+}
+
 BOOL CFile::Open(LPCTSTR path, UINT flags) {
     Close();
     m_nError = 0;

@@ -34,6 +34,10 @@ public:
     // A seek to the end right behind this object's own writes stays where it is: no other writer appends to a
     // file while it is open here, so the end is known.
     long long Seek(long long offset, UINT from);
+    // Gives the file oldName the name newName, which must be free: as with the desktop's MoveFile, a file that
+    // has that name already is never replaced. 0 when done, else the system's error number (EEXIST: newName is
+    // taken; ENOENT: there is no oldName).
+    static int Rename(LPCTSTR oldName, LPCTSTR newName);
     // The system's error number of the last operation that failed; 0 when none has.
     int GetError() const { return m_nError; }
 

@@ -1,5 +1,6 @@
-// Result and output files on disk where the runs do not reach: a name made again within its second, a block
+// Result and output files on disk where the runs do not reach: a name made again, a block
 // that cannot be written, and appends with a seek to the end.
+#include <cstdio>
 #include <ctime>
 #include <fstream>
 
@@ -24,21 +25,62 @@ protected:
 };
 
 // The name is the run's start to the second and nothing more: a run that starts on the name of an earlier
-// file empties it, right away and without waiting for another name.
-TEST_F(ResultFileTest, ARunStartedOnTheNameOfAnEarlierFileEmptiesIt) {
+// file gets that name, and the earlier file is kept under the next free "NAME.N.txt".
+TEST_F(ResultFileTest, TwoRunsInOneSecondKeepBothFiles) {
     for (int attempt = 0; attempt < 3; ++attempt) {
+        for (const std::string& file : m_folder.Files("_result")) std::remove(file.c_str());
         CString first, second;
         const std::time_t start = std::time(nullptr);
         ASSERT_EQ(m_dlg.CreateResultFile(&first), 1);
         m_dlg.WriteRunResults(&first, 1, 1, 0.1);
-        ASSERT_NE(TempFolder::Read(first.str()), "");
+        const std::string kept = TempFolder::Read(first.str());
+        ASSERT_NE(kept, "");
         ASSERT_EQ(m_dlg.CreateResultFile(&second), 1);
         if (std::time(nullptr) != start) continue;  // the second ticked over between the two: try again
-        EXPECT_EQ(second, first) << "a run in the same second got another name";
-        EXPECT_EQ(TempFolder::Read(first.str()), "") << "the file of the same name was not emptied";
+        EXPECT_EQ(second, first) << "the new run gets the name the format gives";
+        EXPECT_EQ(TempFolder::Read(second.str()), "") << "the new file starts empty";
+        EXPECT_EQ(TempFolder::Read(AsideName(first.str(), 1)), kept) << "the earlier run's blocks are kept";
         return;
     }
     FAIL() << "no two runs started within one second";
+}
+
+struct tm Moment(int year, int month, int day, int hour, int minute, int second) {
+    struct tm t {};
+    t.tm_year = year - 1900, t.tm_mon = month - 1, t.tm_mday = day;
+    t.tm_hour = hour, t.tm_min = minute, t.tm_sec = second;
+    return t;
+}
+
+// Moments whose unpadded digits read alike, and a third file on one name: each earlier file moves to the next
+// free number, so the higher the number, the later the file; output files move aside as result files do.
+TEST_F(ResultFileTest, CollidingMomentsMoveEarlierFilesAsideInTheOrderMade) {
+    struct Case {
+        std::vector<struct tm> moments;
+        const char* suffix;
+        const char* name;
+    };
+    const Case cases[] = {
+        {{Moment(2026, 11, 23, 1, 23, 45), Moment(2026, 11, 23, 12, 3, 45)}, "result.txt", "20261123_12345_result"},
+        {{Moment(2026, 1, 11, 8, 0, 0), Moment(2026, 11, 1, 8, 0, 0)}, "result.txt", "2026111_800_result"},
+        {{Moment(2026, 2, 3, 4, 5, 6), Moment(2026, 2, 3, 4, 5, 6), Moment(2026, 2, 3, 4, 5, 6)}, "output.txt",
+         "202623_456_output"},
+    };
+    for (const Case& c : cases) {
+        std::vector<std::string> written;
+        for (const struct tm& moment : c.moments) {
+            CString path;
+            ASSERT_TRUE(CreateStampedFile(c.suffix, moment, path)) << c.name;
+            EXPECT_EQ(path.str(), m_folder.Path() + "/" + c.name + ".txt");
+            EXPECT_EQ(TempFolder::Read(path.str()), "") << "a new file starts empty";
+            written.push_back("file " + std::to_string(written.size() + 1));
+            std::ofstream(path.str(), std::ios::binary) << written.back();
+        }
+        for (size_t k = 0; k + 1 < written.size(); ++k)
+            EXPECT_EQ(TempFolder::Read(m_folder.Path() + "/" + c.name + "." + std::to_string(k + 1) + ".txt"),
+                      written[k]) << c.name;
+        EXPECT_EQ(m_folder.Files(c.name).size(), written.size()) << c.name << ": one file per creation";
+    }
 }
 
 TEST_F(ResultFileTest, AFullFileSystemShowsTheFileAndTheCauseAndEndsTheWriting) {

@@ -71,16 +71,20 @@ struct SessionOutput {
 };
 
 // Runs vantrel-session on the script at scriptPath with folder as its program directory, where its result
-// files land. With a time limit, a session still running after it is killed (exit code 137).
-inline SessionOutput RunSession(const TempFolder& folder, const std::string& scriptPath, int limitSeconds = 0) {
+// files land. With a time limit, a session still running after it is killed (exit code 137). A launcher, such
+// as "prlimit --as=BYTES", runs the session under the limits it sets.
+inline SessionOutput RunSession(const TempFolder& folder, const std::string& scriptPath, int limitSeconds = 0,
+                                const std::string& launcher = "") {
     const std::string out = folder.Path() + "/stdout.txt", err = folder.Path() + "/stderr.txt";
     const std::string limit = limitSeconds > 0 ? "timeout -s KILL " + std::to_string(limitSeconds) + " " : "";
-    const std::string command = std::string("QT_QPA_PLATFORM=offscreen ") + limit + "'" + VANTREL_SESSION_EXE +
-                                "' --dir '" + folder.Path() + "' '" + scriptPath + "' >'" + out + "' 2>'" + err + "'";
+    const std::string command = std::string("QT_QPA_PLATFORM=offscreen ") + limit + launcher + " '" +
+                                VANTREL_SESSION_EXE + "' --dir '" + folder.Path() + "' '" + scriptPath + "' >'" +
+                                out + "' 2>'" + err + "'";
     const int status = std::system(command.c_str());
     return SessionOutput{TempFolder::Lines(out), TempFolder::Lines(err), WIFEXITED(status) ? WEXITSTATUS(status) : -1};
 }
 
-inline SessionOutput RunScript(const TempFolder& folder, const std::string& script, int limitSeconds = 0) {
-    return RunSession(folder, folder.Write("script.session", script), limitSeconds);
+inline SessionOutput RunScript(const TempFolder& folder, const std::string& script, int limitSeconds = 0,
+                               const std::string& launcher = "") {
+    return RunSession(folder, folder.Write("script.session", script), limitSeconds, launcher);
 }

@@ -6,6 +6,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "engine/blas_limits.h"
 #include "engine/kernels.h"
 #include "platform/app.h"
 #include "platform/files.h"
@@ -23,6 +24,7 @@ int Usage() {
 
 int main(int argc, char** argv) {
     engine::kernels::StartWithQuietBlasThreads(argv);
+    engine::FitBlasToAddressSpace(argv);
     std::string dir;
     std::string scriptPath;
     for (int i = 1; i < argc; ++i) {
