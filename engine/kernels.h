@@ -81,11 +81,6 @@ void LimitThreads(int count);
 // the system page by page; once per process, at the first accumulation.
 void KeepFreedBlocks();
 
-// Call first in main. The BLAS reads how long its idle threads spin only when it is loaded, so unless the
-// user has set OPENBLAS_THREAD_TIMEOUT the program starts itself once more with the shortest spin. Returns
-// (and the program runs as it is) when the variable was set already or the system refuses the restart.
-void StartWithQuietBlasThreads(char** argv);
-
 // For its lifetime, gives the BLAS as many threads as work of about `flops` operations is worth: one for
 // small products and matrix-vector work, ThreadCount() for large ones. Restores the count it found.
 class CBlasThreads {
