@@ -4,8 +4,10 @@
 // parameter, the patterns side by side, so that each unit's entries and its one exp per pattern run over
 // contiguous memory with vector instructions), and added to the upper triangle of the quasi-Hessian by a
 // symmetric rank-k update, to the gradient by a matrix-vector product; the lower triangle is mirrored once at
-// the end. The patterns fall into two halves that two threads sum apart when the work is large enough. Memory
-// is two blocks of rows, whatever the number of patterns.
+// the end. When the work is large enough the blocks fall into up to eight parts of consecutive blocks, summed
+// apart on as many threads as there are cores and added in the order of the parts; the parts follow from the
+// shape alone. Memory is a block of rows per thread and a bounded number of spare sums, whatever the number
+// of patterns.
 //
 // Factorization: a recursive right-looking LU. Its one-column steps keep the pivot rule of the plain
 // algorithm (implicit scaling, whole-row swaps, indx, the TINY replacement); the updates between them are
@@ -45,9 +47,6 @@ void InStrips(size_t cols, double columnWork, const CCancelToken& cancel, Strip 
 // writes whole.
 UINT BlockPatterns(const CParamLayout& layout);
 
-// From this many patterns on, the patterns fall into two halves, each summed on its own.
-constexpr UINT kSplitPatterns = 512;
-
 // Number of rows of the transposed Jacobian: the packed vector's length, or the layout's when that is
 // longer, so that there is a row for every entry of the form.
 size_t RowWidth(const CNetworkView& net, UINT nParams);
@@ -59,7 +58,7 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
 
 // gradient[k] = sum of e * J[k] over all patterns. With hessian not null also hessian[i * nParams + j] = sum
 // of J[i] * J[j], both triangles; every element of hessian is written, so it needs no clearing beforehand.
-// spare (nParams x nParams, needed with hessian) holds the second half's sum on the way and is left all 0.0.
+// spare (nParams x nParams, needed with hessian) holds the second part's sum on the way: no defined value after.
 // Returns the sum of e * e over the patterns, the same value as SumSquaredErrors on the same network.
 // Throws CCancelled when cancel is abandoned on the way (gradient and hessian are then incomplete), and
 // std::bad_alloc when its scratch does not fit in memory.
@@ -72,8 +71,9 @@ double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelT
 // exp of count values (in and out may be the same array), by vector instructions where the processor has them.
 void ExpArray(const double* in, double* out, size_t count);
 
-// Cores the kernels use: those the process may run on, or fewer after LimitThreads (0: no limit). For
-// benchmarks that compare one core with all.
+// Threads the kernels use: as many as the process has cores, or `count` after LimitThreads(count) (0: the
+// cores again), more than the cores too. For benchmarks that compare one core with all, and for tests that
+// hold the results of many threads against one.
 int ThreadCount();
 void LimitThreads(int count);
 

@@ -29,7 +29,7 @@ int CoresOfProcess() {
 int ThreadCount() {
     static const int cores = CoresOfProcess();
     const int limit = g_limit.load(std::memory_order_relaxed);
-    return limit > 0 ? std::min(limit, cores) : cores;
+    return limit > 0 ? limit : cores;
 }
 
 void LimitThreads(int count) { g_limit.store(std::max(0, count), std::memory_order_relaxed); }

@@ -130,24 +130,66 @@ TEST(Runs, StopAbandonMissingResultFileAndNoPatternsEndTheRunBeforeAnyTrial) {
         }
 }
 
-TEST(Runs, SameNumbersTrainToTheSameBitsOnOneThreadAsOnAll) {
+namespace {
+
+// The bits of what a run or an accumulation leaves, on `threads` threads.
+using CTrainedBits = std::vector<double>;
+
+CTrainedBits TrainedOn(int threads, int algorithm, const CSampleShape& shape) {
+    engine::kernels::LimitThreads(threads);
+    CSample sample(shape);
+    engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 3);
+    s.loadFromFile = true;  // trains the sample's own network
+    s.maxUnits = 7;
+    s.learningConstant = 1e-5;  // small enough for 8200 patterns: first order stays finite
+    CRecordingSink sink;
+    Train(sample.buffers, s, sink, engine::CCancelToken::Never());
+    engine::kernels::LimitThreads(0);
+    const engine::CNetwork net = sample.Net();
+    CTrainedBits bits = sink.curves.at(0);
+    for (const std::vector<double>& block :
+         {Copy(net.pOutputWeights, net.nUnits + 1), Copy(net.pWidths, net.nUnits),
+          Copy(net.pInputWeights, net.nUnits * 2), Copy(net.pCenters, net.nUnits * 2)})
+        bits.insert(bits.end(), block.begin(), block.end());
+    return bits;
+}
+
+CTrainedBits AccumulatedOn(int threads, const CSampleShape& shape) {
+    engine::kernels::LimitThreads(threads);
+    CSample sample(shape);
+    sample.buffers.Accumulate(false, true);
+    const engine::CStepArrays a = sample.Step();
+    CTrainedBits bits = Copy(a.pHessian, size_t(a.nParams) * a.nParams);
+    bits.push_back(sample.buffers.AccumulateGradientAndError(false));
+    const CTrainedBits gradient = Copy(a.pGradient, a.nParams);
+    bits.insert(bits.end(), gradient.begin(), gradient.end());
+    // And the damped step that the factors give.
+    sample.buffers.Accumulate(false, true);
+    for (size_t d = 0; d < a.nParams; ++d) a.pHessian[d * a.nParams + d] += 0.01;
+    std::vector<double> step(a.nParams);
+    sample.buffers.SolveHessian(step.data());
+    bits.insert(bits.end(), step.begin(), step.end());
+    engine::kernels::LimitThreads(0);
+    return bits;
+}
+
+}  // namespace
+
+TEST(Runs, SameNumbersTrainToTheSameBitsOnAnyNumberOfThreads) {
+    // 8200 patterns make five blocks, so five parts once the network is worth it; 1201 parameters on 1000
+    // patterns make products and factors that are worth all the threads.
+    const CSampleShape parts{8200, 2, 8, engine::kSecondOrder, 3}, wide{1000, 2, 300, engine::kSecondOrder, 4};
+    for (const CSampleShape& shape : {parts, wide}) {
+        const CTrainedBits one = AccumulatedOn(1, shape);
+        for (int threads : {2, 3, 8})
+            EXPECT_EQ(AccumulatedOn(threads, shape), one) << shape.nPatterns << " patterns: accumulation on " << threads;
+    }
     for (int algorithm = 0; algorithm < engine::kAlgorithmCount; ++algorithm) {
-        std::vector<double> trained[2];
-        for (int threads : {0, 1}) {
-            engine::kernels::LimitThreads(threads);
-            CSample sample({engine::kernels::kSplitPatterns + 88, 2, 6, algorithm, 3});
-            engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 4);
-            s.loadFromFile = true;  // trains the sample's own network
-            CRecordingSink sink;
-            Train(sample.buffers, s, sink, engine::CCancelToken::Never());
-            const engine::CNetwork net = sample.Net();
-            std::vector<double>& bits = trained[threads];
-            for (const std::vector<double>& block :
-                 {Copy(net.pOutputWeights, net.nUnits + 1), Copy(net.pWidths, net.nUnits),
-                  Copy(net.pInputWeights, net.nUnits * 2), Copy(net.pCenters, net.nUnits * 2), sink.curves.at(0)})
-                bits.insert(bits.end(), block.begin(), block.end());
-        }
-        engine::kernels::LimitThreads(0);
-        EXPECT_EQ(trained[0], trained[1]) << "algorithm " << algorithm << ": one thread trained other bits";
+        CSampleShape shape = parts;
+        shape.nAlgorithm = algorithm;
+        if (algorithm == engine::kErrorCorrection) shape.nUnits = 0;
+        const CTrainedBits one = TrainedOn(1, algorithm, shape);
+        for (int threads : {2, 3, 8})
+            EXPECT_EQ(TrainedOn(threads, algorithm, shape), one) << "algorithm " << algorithm << " on " << threads;
     }
 }
