@@ -36,9 +36,11 @@ size_t RowWidth(const CNetworkView& net, UINT nParams) {
     return std::max<size_t>(nParams, net.layout.Count());
 }
 
-UINT BlockPatterns(const CParamLayout& layout) {
+UINT BlockPatterns(const CParamLayout& layout, UINT patterns) {
     const size_t rows = std::max<size_t>(1, layout.Count());
-    return static_cast<UINT>(std::clamp<size_t>((size_t(1) << 20) / rows, 256, 2048) / 4 * 4);
+    const size_t most = std::clamp<size_t>((size_t(1) << 20) / rows, 256, 2048) / 4 * 4;
+    const size_t eighth = (patterns / size_t(8) + 4) / 4 * 4;
+    return static_cast<UINT>(std::min(most, std::max<size_t>(eighth, 512)));
 }
 
 namespace {
@@ -142,8 +144,8 @@ double BlockErrors(const CNetworkView& net, UINT first, UINT count, CBlockScratc
     return sum;
 }
 
-// Below this many floating-point operations a second thread costs more than it saves: about a millisecond.
-constexpr double kParallelWork = 4.0e6;
+// Below this many floating-point operations a second thread costs more than it saves: half a millisecond.
+constexpr double kParallelWork = 2.0e7;
 
 // At most this many parts, and no more spare quasi-Hessians than fit in this many doubles (32 MiB).
 constexpr UINT kMaxParts = 8;
@@ -154,18 +156,19 @@ constexpr double kSpareDoubles = 4.0 * 1024 * 1024;
 // Every boundary follows from the shape and the work alone, never from the number of threads, so the sums
 // come out the same on any number of cores.
 struct CParts {
-    UINT patterns, block, blocks, count;
+    UINT blocks, count;
     UINT FirstBlock(UINT part) const { return static_cast<UINT>(uint64_t(blocks) * part / count); }
-    UINT FirstPattern(UINT part) const { return std::min(patterns, FirstBlock(part) * block); }
 };
 
 // work: floating-point operations of the whole pass; squareDoubles: the spare storage one more part takes.
 CParts PartsOf(UINT patterns, UINT block, double work, double squareDoubles) {
     const UINT blocks = (patterns + block - 1) / block;
-    UINT count = work >= kParallelWork ? std::min(blocks, kMaxParts) : 1;
-    if (squareDoubles > 0)
-        count = static_cast<UINT>(std::min<double>(count, 1.0 + std::floor(kSpareDoubles / squareDoubles)));
-    return CParts{patterns, block, blocks, std::max<UINT>(count, 1)};
+    double most = work >= kParallelWork ? std::min(blocks, kMaxParts) : 1;
+    if (squareDoubles > 0) most = std::min(most, 1.0 + std::floor(kSpareDoubles / squareDoubles));
+    // A power of two, so that two or four threads share the parts evenly.
+    UINT count = 1;
+    while (count * 2 <= most) count *= 2;
+    return CParts{blocks, count};
 }
 
 double ForwardWork(const CNetworkView& net) {
@@ -179,7 +182,7 @@ struct CPartScratch {
     std::vector<CBlockScratch> workers = std::vector<CBlockScratch>(kMaxParts);
     std::vector<double> gradients;  // parts 1 .. count - 1, n each
     std::vector<double> squares;    // parts 2 .. count - 1, n x n each (part 1 sums into the caller's spare)
-    std::vector<double> blockSums;  // the sum of e * e of every block
+    std::vector<double> blockSums;  // the sum of e * e of every block: a double per 256 patterns or more
 };
 
 CPartScratch& ScratchOfParts() {
@@ -194,8 +197,10 @@ double SumInOrder(const std::vector<double>& blockSums, UINT blocks) {
     return sum;
 }
 
-// At most this many column strips of one rank-k update side by side.
+// At most this many column strips of one rank-k update side by side; within a strip, pieces of this much work
+// (some tens of milliseconds), each of which packs its rows anew.
 constexpr UINT kMaxStrips = 8;
+constexpr double kUpdatePieceWork = 2e9;
 
 // hessian (upper triangle, n x n) = beta * hessian + rows rows^T over count patterns (rows: n x count at
 // stride lanes). The columns fall into strips of about equal work, fixed by the shape, each a product of its
@@ -205,8 +210,9 @@ constexpr UINT kMaxStrips = 8;
 void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double beta, double* hessian, UINT threads,
               const CCancelToken& cancel) {
     const int ld = static_cast<int>(lanes), k = static_cast<int>(count), size = static_cast<int>(n);
+    // Each strip packs the rows left of it anew: strips of fewer than 256 columns cost more than they share.
     const double work = double(count) * n * n;
-    const UINT strips = work >= 4 * kParallelWork ? std::clamp<UINT>(static_cast<UINT>(n / 32), 1, kMaxStrips) : 1;
+    const UINT strips = work >= 4 * kParallelWork ? std::clamp<UINT>(static_cast<UINT>(n / 256), 1, kMaxStrips) : 1;
     // Strip i ends at n sqrt((i + 1) / strips): the triangle's columns grow longer to the right.
     auto edge = [&](UINT i) {
         return i >= strips ? n : static_cast<size_t>(double(n) * std::sqrt(double(i) / strips)) / 8 * 8;
@@ -214,7 +220,8 @@ void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double bet
     RunParts(strips, threads, [&](UINT strip, UINT) {
         const size_t from = edge(strip), to = edge(strip + 1);
         if (to <= from) return;
-        InStrips(to - from, 2.0 * count * to, cancel, [&](size_t offset, size_t w) {
+        InStrips(
+            to - from, 2.0 * count * to, cancel, [&](size_t offset, size_t w) {
             const size_t j0 = from + offset;
             const int first = static_cast<int>(j0), width = static_cast<int>(w);
             if (first > 0)
@@ -222,7 +229,8 @@ void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double bet
                             rows + j0 * lanes, ld, beta, hessian + j0, size);
             cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, width, k, 1.0, rows + j0 * lanes, ld, beta,
                         hessian + j0 * n + j0, size);
-        });
+            },
+            kUpdatePieceWork);
     });
 }
 
@@ -232,7 +240,7 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
                             double* errors) {
     CBlockScratch s;
     const size_t rowCount = net.layout.Count();
-    const UINT block = BlockPatterns(net.layout);
+    const UINT block = BlockPatterns(net.layout, net.nPatterns);
     s.Reserve(net.layout.nInputs, rowCount, block);
     FillFixedRows(net, rowCount, s);
     for (UINT done = 0; done < count; done += block) {
@@ -249,11 +257,12 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
                              double* spare, const CCancelToken& cancel) {
     KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams);
-    const UINT block = BlockPatterns(net.layout);
+    const UINT block = BlockPatterns(net.layout, net.nPatterns);
     const double flops = ForwardWork(net) + static_cast<double>(net.nPatterns) * n * ((hessian ? n : 0.0) + 6.0);
     const CParts parts = PartsOf(net.nPatterns, block, flops, hessian ? double(n) * n : 0.0);
     const UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
-    const UINT strips = workers > 1 ? 1 : static_cast<UINT>(ThreadCount());  // threads for one update's strips
+    // Threads for the strips of one part's updates: those that the parts leave over.
+    const UINT strips = std::max<UINT>(1, static_cast<UINT>(ThreadCount()) / workers);
     // The workers' rows, the parts' gradients and the spares beyond the caller's, refused before they are
     // taken when they can't fit.
     const double squares = hessian && parts.count > 2 ? double(parts.count - 2) * n * n : 0.0;
@@ -292,8 +301,8 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
         if (!written && hessian) std::fill(squareOf(part), squareOf(part) + n * n, 0.0);
     };
     {
-        // Every product on one BLAS thread (see AddRankK); a part alone shares its updates' strips among the
-        // threads instead.
+        // Every product on one BLAS thread (see AddRankK); threads that the parts leave over share the strips
+        // of their updates instead.
         CBlasThreads single(0.0);
         RunParts(parts.count, workers, sumPart);
     }
@@ -313,7 +322,7 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
 
 double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelToken& cancel) {
     // The blocks of the accumulation, so that both sum the squares in the same order.
-    const UINT block = BlockPatterns(net.layout);
+    const UINT block = BlockPatterns(net.layout, net.nPatterns);
     const CParts parts = PartsOf(net.nPatterns, block, ForwardWork(net), 0.0);
     const UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
     CPartScratch& scratch = ScratchOfParts();

@@ -34,18 +34,20 @@ constexpr double kStripWork = 2e8;
 // strips stop early, and the product is then incomplete; it may run on a helper thread, so the caller throws
 // (cancel.ThrowIfAbandoned) once it is back on the run's own.
 template <class Strip>
-void InStrips(size_t cols, double columnWork, const CCancelToken& cancel, Strip strip) {
-    const size_t width = columnWork * cols <= kStripWork
+void InStrips(size_t cols, double columnWork, const CCancelToken& cancel, Strip strip,
+              double stripWork = kStripWork) {
+    const size_t width = columnWork * cols <= stripWork
                              ? std::max<size_t>(cols, 1)
-                             : std::max<size_t>(1, static_cast<size_t>(kStripWork / std::max(columnWork, 1.0)));
+                             : std::max<size_t>(1, static_cast<size_t>(stripWork / std::max(columnWork, 1.0)));
     for (size_t first = 0; first < cols && !cancel.Abandoned(); first += width)
         strip(first, std::min(width, cols - first));
 }
 
-// Patterns per block of Jacobian rows for a layout: as many as keep a block's rows near 8 MB, between 256 and
-// 2048. Fewer, larger blocks mean fewer passes over the quasi-Hessian, which each block's update reads and
-// writes whole.
-UINT BlockPatterns(const CParamLayout& layout);
+// Patterns per block of Jacobian rows for a layout and a number of patterns: at most as many as keep a
+// block's rows near 8 MB (between 256 and 2048), and no more than an eighth of the patterns, but not below
+// 512, so that up to eight threads find blocks to sum. Fewer, larger blocks mean fewer passes over the
+// quasi-Hessian, which each block's update reads and writes whole.
+UINT BlockPatterns(const CParamLayout& layout, UINT patterns);
 
 // Number of rows of the transposed Jacobian: the packed vector's length, or the layout's when that is
 // longer, so that there is a row for every entry of the form.

@@ -140,7 +140,7 @@ CTrainedBits TrainedOn(int threads, int algorithm, const CSampleShape& shape) {
     CSample sample(shape);
     engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 3);
     s.loadFromFile = true;  // trains the sample's own network
-    s.maxUnits = 7;
+    s.maxUnits = 16;
     s.learningConstant = 1e-5;  // small enough for 8200 patterns: first order stays finite
     CRecordingSink sink;
     Train(sample.buffers, s, sink, engine::CCancelToken::Never());
@@ -176,9 +176,9 @@ CTrainedBits AccumulatedOn(int threads, const CSampleShape& shape) {
 }  // namespace
 
 TEST(Runs, SameNumbersTrainToTheSameBitsOnAnyNumberOfThreads) {
-    // 8200 patterns make five blocks, so five parts once the network is worth it; 1201 parameters on 1000
-    // patterns make products and factors that are worth all the threads.
-    const CSampleShape parts{8200, 2, 8, engine::kSecondOrder, 3}, wide{1000, 2, 300, engine::kSecondOrder, 4};
+    // 8200 patterns make eight blocks, so eight parts once the network is worth it (from about ten units on);
+    // 1201 parameters on 1000 patterns make two parts whose products and factors are worth all the threads.
+    const CSampleShape parts{8200, 2, 16, engine::kSecondOrder, 3}, wide{1000, 2, 300, engine::kSecondOrder, 4};
     for (const CSampleShape& shape : {parts, wide}) {
         const CTrainedBits one = AccumulatedOn(1, shape);
         for (int threads : {2, 3, 8})
