@@ -212,9 +212,9 @@ constexpr double kUpdatePieceWork = 2e9;
 void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double beta, double* hessian, UINT threads,
               const CCancelToken& cancel) {
     const int ld = static_cast<int>(lanes), k = static_cast<int>(count), size = static_cast<int>(n);
-    // Each strip packs the rows left of it anew: strips of fewer than 256 columns cost more than they share.
+    // Each strip packs the rows left of it anew: strips of fewer than 512 columns cost more than they share.
     const double work = double(count) * n * n;
-    const UINT strips = work >= 4 * kParallelWork ? std::clamp<UINT>(static_cast<UINT>(n / 256), 1, kMaxStrips) : 1;
+    const UINT strips = work >= 4 * kParallelWork ? std::clamp<UINT>(static_cast<UINT>(n / 512), 1, kMaxStrips) : 1;
     // Strip i ends at n sqrt((i + 1) / strips): the triangle's columns grow longer to the right.
     auto edge = [&](UINT i) {
         return i >= strips ? n : static_cast<size_t>(double(n) * std::sqrt(double(i) / strips)) / 8 * 8;
