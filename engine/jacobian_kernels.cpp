@@ -144,10 +144,11 @@ double BlockErrors(const CNetworkView& net, UINT first, UINT count, CBlockScratc
     return sum;
 }
 
-// Below this many floating-point operations (a millisecond or two) a second thread costs more than it saves,
-// the more so on a machine whose cores are busy with other work: the Error Correction run to 100 units on 2000
-// patterns took 1.4 times as long on two cores as on one with its networks split from 2e7 on.
-constexpr double kParallelWork = 5.0e7;
+// Below this many floating-point operations (about ten milliseconds) a second thread costs more than it saves
+// on a machine whose cores are busy with other work: the Error Correction run to 100 units on 2000 patterns
+// took 1.4 times as long on two cores as on one with its networks split from 2e7 on, 1.5 times from 5e7 on.
+// Its networks (up to 401 parameters) now run on one thread, without thread start-up.
+constexpr double kParallelWork = 4.0e8;
 
 // At most this many parts, and no more spare quasi-Hessians than fit in this many doubles (32 MiB).
 constexpr UINT kMaxParts = 8;

@@ -56,9 +56,9 @@ engine::CFixedSettings Settings(engine::Algorithm algorithm, UINT iterations) {
 }
 
 engine::CRunOutcome Train(engine::CNetworkBuffers& b, const engine::CFixedSettings& s, CRecordingSink& sink,
-                        const engine::CCancelToken& token) {
+                        const engine::CCancelToken& token, bool online = false) {
     b.SetAlgorithm(s.algorithm);
-    if (s.algorithm == engine::kErrorCorrection) return engine::RunErrorCorrection(b, s, sink, token, false);
+    if (s.algorithm == engine::kErrorCorrection) return engine::RunErrorCorrection(b, s, sink, token, online);
     return engine::RunFixedSize(b, s, sink, token);
 }
 
@@ -149,10 +149,10 @@ CTrainedBits TrainedOn(int threads, int algorithm, const CSampleShape& shape) {
     CSample sample(shape);
     engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 3);
     s.loadFromFile = true;  // trains the sample's own network
-    s.maxUnits = 20;
+    s.maxUnits = 2;  // Error Correction goes on online from the sample's units, large enough for parts
     s.learningConstant = 1e-5;  // small enough for 8200 patterns: first order stays finite
     CRecordingSink sink;
-    Train(sample.buffers, s, sink, engine::CCancelToken::Never());
+    Train(sample.buffers, s, sink, engine::CCancelToken::Never(), true);
     engine::kernels::LimitThreads(0);
     const engine::CNetwork net = sample.Net();
     CTrainedBits bits = sink.curves.at(0);
@@ -185,9 +185,9 @@ CTrainedBits AccumulatedOn(int threads, const CSampleShape& shape) {
 }  // namespace
 
 TEST(Runs, SameNumbersTrainToTheSameBitsOnAnyNumberOfThreads) {
-    // 8200 patterns make eight blocks, so eight parts once the network is worth it (from about 18 units on);
+    // 8200 patterns make eight blocks, so eight parts once the network is worth it (from about 55 units on);
     // 1201 parameters on 1000 patterns make two parts whose products and factors are worth all the threads.
-    const CSampleShape parts{8200, 2, 20, engine::kSecondOrder, 3}, wide{1000, 2, 300, engine::kSecondOrder, 4};
+    const CSampleShape parts{8200, 2, 60, engine::kSecondOrder, 3}, wide{1000, 2, 300, engine::kSecondOrder, 4};
     for (const CSampleShape& shape : {parts, wide}) {
         const std::vector<uint64_t> one = Bits(AccumulatedOn(1, shape));
         for (int threads : {2, 3, 8})
@@ -196,7 +196,6 @@ TEST(Runs, SameNumbersTrainToTheSameBitsOnAnyNumberOfThreads) {
     for (int algorithm = 0; algorithm < engine::kAlgorithmCount; ++algorithm) {
         CSampleShape shape = parts;
         shape.nAlgorithm = algorithm;
-        if (algorithm == engine::kErrorCorrection) shape.nUnits = 0;
         const std::vector<uint64_t> one = Bits(TrainedOn(1, algorithm, shape));
         for (int threads : {2, 3, 8})
             EXPECT_EQ(Bits(TrainedOn(threads, algorithm, shape)), one) << "algorithm " << algorithm << " on " << threads;
