@@ -62,10 +62,10 @@ inline void RunParts(UINT parts, UINT workers, Work work) {
 // least `minWidth` wide. Small work is one strip on this thread.
 template <class Strip>
 void InEqualStrips(size_t cols, double columnWork, size_t minWidth, UINT threads, Strip strip) {
-    // Below this much work (some tens of milliseconds) a strip does not pay for the start of its thread and the
-    // wait for it: split from 2e7 operations on, the factorization of 1201 x 1201 took twice as long on two
-    // cores as on one while other builds kept the cores busy.
-    constexpr double kStripThreadWork = 1.0e9;
+    // Below this much work (some milliseconds) a strip does not pay for the start of its thread and the wait
+    // for it: split from 2e7 operations on, the factorization of 1201 x 1201 took twice as long on two cores as
+    // on one while other builds kept the cores busy; from 2e8 on, only its widest updates split.
+    constexpr double kStripThreadWork = 2.0e8;
     const size_t byWork = static_cast<size_t>(columnWork * cols / kStripThreadWork);
     const size_t byWidth = cols / std::max<size_t>(minWidth, 1);
     const UINT strips = static_cast<UINT>(std::clamp<size_t>(std::min(byWork, byWidth), 1, 8));
