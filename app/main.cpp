@@ -1,6 +1,5 @@
 // The application object and its start.
-#include "engine/blas_limits.h"
-#include "engine/kernels.h"
+#include "engine/blas_setup.h"
 #include "shell/mainwindow.h"
 
 BOOL CVantrelApp::InitInstance() {
@@ -16,7 +15,6 @@ BOOL CVantrelApp::InitInstance() {
 static CVantrelApp theApp;
 
 int main(int argc, char** argv) {
-    engine::kernels::StartWithQuietBlasThreads(argv);
-    engine::FitBlasToAddressSpace(argv);
+    engine::StartWithBlasSettings(argv);
     return theApp.Run(argc, argv);
 }

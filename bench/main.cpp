@@ -7,14 +7,14 @@
 
 #include <cstdio>
 
-#include "engine/kernels.h"
+#include "engine/blas_setup.h"
 #include "ratio_reporter.h"
 
 void RegisterNetworkBenchmarks();  // network_bench.cpp
 void RegisterRunBenchmarks();      // run_bench.cpp
 
 int main(int argc, char** argv) {
-    engine::kernels::StartWithQuietBlasThreads(argv);  // ours and the BLAS-only references alike
+    engine::StartWithBlasSettings(argv);  // ours and the BLAS-only references alike
     // An application object gives the read-out benchmark the window queue that a run posts into.
     QCoreApplication application(argc, argv);
     RegisterNetworkBenchmarks();

@@ -2,7 +2,8 @@
 // of an iteration with everything around it. Each runs on all cores (Fast) and on one (One).
 //   FirstOrderRun/units/patterns/iterations        a first-order run of one trial
 //   ErrorCorrectionRun/units/patterns/iterations   an Error Correction run up to that many units, each unit
-//                                                  trained for that many iterations
+//                                                  trained for that many iterations; its Blas variant is the
+//                                                  BLAS-only bound of the same run (errorcorrection_bound.cpp)
 // Two inputs, from the sample maker. VANTREL_BENCH_EC_ITERATIONS sets the iterations per unit of the Error
 // Correction run (default 20; the application's default is 200, which takes minutes).
 #include <benchmark/benchmark.h>
@@ -63,6 +64,8 @@ long ErrorCorrectionIterations() {
 
 }  // namespace
 
+void ErrorCorrectionBound(benchmark::State& state);  // errorcorrection_bound.cpp
+
 void RegisterRunBenchmarks() {
     for (int cores : {0, 1}) {
         const char* suffix = cores == 0 ? "_Fast" : "_One";
@@ -74,4 +77,7 @@ void RegisterRunBenchmarks() {
             ->Args({100, 2000, ErrorCorrectionIterations()})->Unit(benchmark::kMillisecond)->UseRealTime()
             ->Iterations(1);
     }
+    benchmark::RegisterBenchmark("BM_ErrorCorrectionRun_Blas", ErrorCorrectionBound)
+        ->Args({100, 2000, ErrorCorrectionIterations()})->Unit(benchmark::kMillisecond)->UseManualTime()
+        ->Iterations(1);
 }

@@ -5,15 +5,17 @@
 // unit and block). The Jacobian is kept transposed, one row per parameter, which is the shape the symmetric
 // rank-k update takes without a copy.
 //
-// The patterns fall into two halves, each summed on its own (the second into spare
-// storage) and added at the end; the halves run on two threads when the work is worth it. The split depends on
-// the number of patterns alone, so the results are the same on one core as on two.
+// When the work is worth it the blocks fall into parts, each summed on its own (the second into the caller's
+// spare, the others into the kernel's) and added in their order at the end; the parts go to as many threads as
+// there are cores. The parts follow from the shape alone, and the squares of the errors are added block by
+// block in pattern order, so the results are the same on any number of cores.
 #include <cblas.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <condition_variable>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -25,6 +27,7 @@
 
 #include "engine/kernels.h"
 #include "engine/memory.h"
+#include "engine/parallel.h"
 
 namespace engine {
 namespace kernels {
@@ -33,9 +36,11 @@ size_t RowWidth(const CNetworkView& net, UINT nParams) {
     return std::max<size_t>(nParams, net.layout.Count());
 }
 
-UINT BlockPatterns(const CParamLayout& layout) {
+UINT BlockPatterns(const CParamLayout& layout, UINT patterns) {
     const size_t rows = std::max<size_t>(1, layout.Count());
-    return static_cast<UINT>(std::clamp<size_t>((size_t(1) << 20) / rows, 256, 2048) / 4 * 4);
+    const size_t most = std::clamp<size_t>((size_t(1) << 20) / rows, 256, 2048) / 4 * 4;
+    const size_t eighth = (patterns / size_t(8) + 4) / 4 * 4;
+    return static_cast<UINT>(std::min(most, std::max<size_t>(eighth, 512)));
 }
 
 namespace {
@@ -164,84 +169,96 @@ double BlockErrors(const CNetworkView& net, UINT first, UINT count, CBlockScratc
     return sum;
 }
 
-// Patterns [first, end) in the half `part` of two; below kSplitPatterns the second half is empty.
-struct CHalf {
-    UINT first, end;
+// Below this many floating-point operations (about ten milliseconds) a second thread costs more than it saves
+// on a machine whose cores are busy with other work: the Error Correction run to 100 units on 2000 patterns
+// took 1.4 times as long on two cores as on one with its networks split from 2e7 on, 1.5 times from 5e7 on.
+// Its networks (up to 401 parameters) now run on one thread, without thread start-up.
+constexpr double kParallelWork = 4.0e8;
+
+// At most this many parts, and no more spare quasi-Hessians than fit in this many doubles (32 MiB).
+constexpr UINT kMaxParts = 8;
+constexpr double kSpareDoubles = 4.0 * 1024 * 1024;
+
+// The patterns in blocks of `block`, and the blocks in `count` parts of consecutive blocks, each summed on its
+// own: part 0 into the caller's arrays, the others into spares, added in the order of the parts at the end.
+// Every boundary follows from the shape and the work alone, never from the number of threads, so the sums
+// come out the same on any number of cores.
+struct CParts {
+    UINT blocks, count;
+    UINT FirstBlock(UINT part) const { return static_cast<UINT>(uint64_t(blocks) * part / count); }
 };
 
-CHalf HalfOf(UINT patterns, int part) {
-    const UINT middle = patterns >= kSplitPatterns ? (patterns + 1) / 2 : patterns;
-    return part == 0 ? CHalf{0, middle} : CHalf{middle, patterns};
+// work: floating-point operations of the whole pass; squareDoubles: the spare storage one more part takes.
+CParts PartsOf(UINT patterns, UINT block, double work, double squareDoubles) {
+    const UINT blocks = (patterns + block - 1) / block;
+    double most = work >= kParallelWork ? std::min(blocks, kMaxParts) : 1;
+    if (squareDoubles > 0) most = std::min(most, 1.0 + std::floor(kSpareDoubles / squareDoubles));
+    // A power of two, so that two or four threads share the parts evenly.
+    UINT count = 1;
+    while (count * 2 <= most) count *= 2;
+    return CParts{blocks, count};
 }
-
-// What the two threads of RunHalves share: the claim on the second half, and its end.
-struct CSecondHalf {
-    std::atomic<bool> claimed{false};
-    std::mutex mutex;
-    std::condition_variable ended;
-    bool done = false;
-};
-
-// Runs work(0) and work(1), the second on a thread of its own when parallel and the system gives one. The
-// second half goes to whichever thread comes to it first: on a machine whose cores are busy with other work, a
-// new thread may not run for a long while, and this one then does both halves instead of waiting for it. The
-// halves are fixed, so the result is the same either way.
-template <typename Work>
-void RunHalves(bool parallel, Work work) {
-    if (parallel && ThreadCount() >= 2) {
-        auto shared = std::make_shared<CSecondHalf>();
-        const std::function<void()> second = [&] { work(1); };
-        const std::function<void()>* run = &second;  // touched only by the thread that claims the half
-        try {
-            std::thread([shared, run] {
-                if (shared->claimed.exchange(true)) return;
-                (*run)();
-                const std::lock_guard<std::mutex> lock(shared->mutex);
-                shared->done = true;
-                shared->ended.notify_one();
-            }).detach();
-        } catch (const std::system_error&) {
-            // No thread to be had: this one claims the half below.
-        }
-        work(0);
-        if (shared->claimed.exchange(true)) {
-            std::unique_lock<std::mutex> lock(shared->mutex);
-            shared->ended.wait(lock, [&] { return shared->done; });
-        } else {
-            work(1);
-        }
-        return;
-    }
-    work(0);
-    work(1);
-}
-
-// Below this many floating-point operations a second thread costs more than it saves.
-constexpr double kParallelWork = 2.0e7;
 
 double ForwardWork(const CNetworkView& net) {
     return static_cast<double>(net.nPatterns) * net.layout.nUnits * (3.0 * net.layout.nInputs + 25.0);
 }
 
-std::vector<CBlockScratch>& ScratchOfHalves() {
-    // Kept per calling thread: a fresh block of this size would come from the system page by page on every
-    // iteration. It is two blocks of rows whatever the number of patterns, and a worker's goes with its thread.
-    thread_local std::vector<CBlockScratch> halves(2);
-    return halves;
+// What one worker computes in, kept per calling thread: a fresh block of this size would come from the system
+// page by page on every iteration. Blocks of rows, whatever the number of patterns; a helper's goes with the
+// calling thread's set, not with the helper.
+struct CPartScratch {
+    std::vector<CBlockScratch> workers = std::vector<CBlockScratch>(kMaxParts);
+    std::vector<double> gradients;  // parts 1 .. count - 1, n each
+    std::vector<double> squares;    // parts 2 .. count - 1, n x n each (part 1 sums into the caller's spare)
+    std::vector<double> blockSums;  // the sum of e * e of every block: a double per 256 patterns or more
+};
+
+CPartScratch& ScratchOfParts() {
+    thread_local CPartScratch scratch;
+    return scratch;
 }
 
+// The sum of the blocks' sums of e * e, in the order of the blocks.
+double SumInOrder(const std::vector<double>& blockSums, UINT blocks) {
+    double sum = 0.0;
+    for (UINT b = 0; b < blocks; ++b) sum += blockSums[b];
+    return sum;
+}
+
+// At most this many column strips of one rank-k update side by side; within a strip, pieces of this much work
+// (some tens of milliseconds), each of which packs its rows anew.
+constexpr UINT kMaxStrips = 8;
+constexpr double kUpdatePieceWork = 2e9;
+
 // hessian (upper triangle, n x n) = beta * hessian + rows rows^T over count patterns (rows: n x count at
-// stride lanes), in column strips of bounded work.
-void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double beta, double* hessian,
+// stride lanes). The columns fall into strips of about equal work, fixed by the shape, each a product of its
+// own on one BLAS thread, up to `threads` strips at a time: the BLAS's own threads would split the work by
+// their number, and the sums would then differ from one machine to the next. Within a strip, pieces of
+// bounded work, so that an abandoned run stops soon.
+void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double beta, double* hessian, UINT threads,
               const CCancelToken& cancel) {
     const int ld = static_cast<int>(lanes), k = static_cast<int>(count), size = static_cast<int>(n);
-    InStrips(n, 2.0 * count * n, cancel, [&](size_t j0, size_t w) {
-        const int first = static_cast<int>(j0), width = static_cast<int>(w);
-        if (first > 0)
-            cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, first, width, k, 1.0, rows, ld, rows + j0 * lanes,
-                        ld, beta, hessian + j0, size);
-        cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, width, k, 1.0, rows + j0 * lanes, ld, beta,
-                    hessian + j0 * n + j0, size);
+    // Each strip packs the rows left of it anew: strips of fewer than 512 columns cost more than they share.
+    const double work = double(count) * n * n;
+    const UINT strips = work >= 4 * kParallelWork ? std::clamp<UINT>(static_cast<UINT>(n / 512), 1, kMaxStrips) : 1;
+    // Strip i ends at n sqrt((i + 1) / strips): the triangle's columns grow longer to the right.
+    auto edge = [&](UINT i) {
+        return i >= strips ? n : static_cast<size_t>(double(n) * std::sqrt(double(i) / strips)) / 8 * 8;
+    };
+    RunParts(strips, threads, [&](UINT strip, UINT) {
+        const size_t from = edge(strip), to = edge(strip + 1);
+        if (to <= from) return;
+        InStrips(
+            to - from, 2.0 * count * to, cancel, [&](size_t offset, size_t w) {
+            const size_t j0 = from + offset;
+            const int first = static_cast<int>(j0), width = static_cast<int>(w);
+            if (first > 0)
+                cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, first, width, k, 1.0, rows, ld,
+                            rows + j0 * lanes, ld, beta, hessian + j0, size);
+            cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, width, k, 1.0, rows + j0 * lanes, ld, beta,
+                        hessian + j0 * n + j0, size);
+            },
+            kUpdatePieceWork);
     });
 }
 
@@ -251,7 +268,7 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
                             double* errors) {
     CBlockScratch s;
     const size_t rowCount = net.layout.Count();
-    const UINT block = BlockPatterns(net.layout);
+    const UINT block = BlockPatterns(net.layout, net.nPatterns);
     s.Reserve(net.layout.nInputs, rowCount, block);
     FillFixedRows(net, rowCount, s);
     for (UINT done = 0; done < count; done += block) {
@@ -268,77 +285,89 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
                              double* spare, const CCancelToken& cancel) {
     KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams);
-    // The two halves' rows and the second gradient, and a BLAS buffer for each half's thread, refused before
-    // they are taken when they can't fit.
-    const UINT block = BlockPatterns(net.layout);
-    if (!DoublesFit(2.0 * rowCount * Padded(block) + n) || !BlasBuffersFit(std::min(ThreadCount(), 2)))
+    const UINT block = BlockPatterns(net.layout, net.nPatterns);
+    const double flops = ForwardWork(net) + static_cast<double>(net.nPatterns) * n * ((hessian ? n : 0.0) + 6.0);
+    const CParts parts = PartsOf(net.nPatterns, block, flops, hessian ? double(n) * n : 0.0);
+    const UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
+    // Threads for the strips of one part's updates: those that the parts leave over.
+    const UINT strips = std::max<UINT>(1, static_cast<UINT>(ThreadCount()) / workers);
+    // The workers' rows, the parts' gradients and the spares beyond the caller's, and a BLAS buffer for each
+    // worker's thread, refused before they are taken when they can't fit.
+    const double squares = hessian && parts.count > 2 ? double(parts.count - 2) * n * n : 0.0;
+    if (!DoublesFit(workers * double(rowCount) * Padded(block) + parts.count * double(n) + squares) ||
+        !BlasBuffersFit(static_cast<int>(workers)))
         throw std::bad_alloc();
-    std::vector<CBlockScratch>& halves = ScratchOfHalves();
-    std::vector<double> secondGradient(n);
-    for (CBlockScratch& s : halves) {
-        s.Reserve(net.layout.nInputs, rowCount, block);
-        FillFixedRows(net, rowCount, s);
+    CPartScratch& scratch = ScratchOfParts();
+    for (UINT w = 0; w < workers; ++w) {
+        scratch.workers[w].Reserve(net.layout.nInputs, rowCount, block);
+        FillFixedRows(net, rowCount, scratch.workers[w]);
     }
-    double sums[2] = {0.0, 0.0};
-    double* gradients[2] = {gradient, secondGradient.data()};
-    double* hessians[2] = {hessian, spare};
-    bool written[2] = {false, false};
+    scratch.gradients.resize(std::max<size_t>(scratch.gradients.size(), (parts.count - 1) * n));
+    if (squares > 0) scratch.squares.resize(std::max<size_t>(scratch.squares.size(), (parts.count - 2) * n * n));
+    scratch.blockSums.assign(parts.blocks, 0.0);
+    auto gradientOf = [&](UINT part) { return part == 0 ? gradient : scratch.gradients.data() + (part - 1) * n; };
+    auto squareOf = [&](UINT part) {
+        return part == 0 ? hessian : part == 1 ? spare : scratch.squares.data() + (part - 2) * n * n;
+    };
 
-    auto work = [&](int part) {
-        CBlockScratch& s = halves[part];
-        const CHalf half = HalfOf(net.nPatterns, part);
-        std::fill(gradients[part], gradients[part] + n, 0.0);
-        for (UINT first = half.first; first < half.end && !cancel.Abandoned(); first += block) {
-            const UINT count = std::min(block, half.end - first);
+    auto sumPart = [&](UINT part, UINT worker) {
+        CBlockScratch& s = scratch.workers[worker];
+        double* g = gradientOf(part);
+        std::fill(g, g + n, 0.0);
+        bool written = false;
+        for (UINT b = parts.FirstBlock(part); b < parts.FirstBlock(part + 1) && !cancel.Abandoned(); ++b) {
+            const UINT first = b * block, count = std::min(block, net.nPatterns - first);
             ForwardBlock(net, first, count, s, true, cancel);
-            sums[part] += BlockErrors(net, first, count, s);
+            scratch.blockSums[b] = BlockErrors(net, first, count, s);
             if (n == 0) continue;
             cblas_dgemv(CblasRowMajor, CblasNoTrans, static_cast<int>(n), static_cast<int>(count), 1.0,
-                        s.rows.data(), static_cast<int>(s.lanes), s.e.data(), 1, 1.0, gradients[part], 1);
-            // The first block of a half overwrites (beta 0): neither triangle needs clearing beforehand.
+                        s.rows.data(), static_cast<int>(s.lanes), s.e.data(), 1, 1.0, g, 1);
+            // The first block of a part overwrites (beta 0): no triangle needs clearing beforehand.
             if (hessian)
-                AddRankK(s.rows.data(), s.lanes, count, n, written[part] ? 1.0 : 0.0, hessians[part], cancel);
-            written[part] = true;
+                AddRankK(s.rows.data(), s.lanes, count, n, written ? 1.0 : 0.0, squareOf(part), strips, cancel);
+            written = true;
         }
+        if (!written && hessian) std::fill(squareOf(part), squareOf(part) + n * n, 0.0);
     };
-    const double work2 = ForwardWork(net) + static_cast<double>(net.nPatterns) * n * ((hessian ? n : 0.0) + 6.0);
     {
-        // Each half runs its products on its own thread; more BLAS threads would only contend for the cores.
+        // Every product on one BLAS thread (see AddRankK); threads that the parts leave over share the strips
+        // of their updates instead.
         CBlasThreads single(0.0);
-        RunHalves(work2 >= kParallelWork && net.nPatterns >= kSplitPatterns, work);
+        RunParts(parts.count, workers, sumPart);
     }
-    cancel.ThrowIfAbandoned();  // the halves stopped early: what they hold is incomplete
+    cancel.ThrowIfAbandoned();  // the parts stopped early: what they hold is incomplete
 
-    for (size_t k = 0; k < n; ++k) gradient[k] += secondGradient[k];
-    if (!hessian) return sums[0] + sums[1];
-    if (!written[0]) std::fill(hessian, hessian + n * n, 0.0);
-    if (written[1])
+    for (UINT part = 1; part < parts.count; ++part) {
+        const double* g = gradientOf(part);
+        for (size_t k = 0; k < n; ++k) gradient[k] += g[k];
+        if (!hessian) continue;
+        const double* h = squareOf(part);
         for (size_t i = 0; i < n; ++i)
-            for (size_t j = i; j < n; ++j) hessian[i * n + j] += spare[i * n + j];
-    if (written[0]) MirrorUpperToLower(hessian, n, cancel);
-    if (spare) std::fill(spare, spare + n * n, 0.0);
-    return sums[0] + sums[1];
+            for (size_t j = i; j < n; ++j) hessian[i * n + j] += h[i * n + j];
+    }
+    if (hessian) MirrorUpperToLower(hessian, n, cancel);
+    return SumInOrder(scratch.blockSums, parts.blocks);
 }
 
 double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelToken& cancel) {
-    std::vector<CBlockScratch>& halves = ScratchOfHalves();
     // The blocks of the accumulation, so that both sum the squares in the same order.
-    const UINT block = BlockPatterns(net.layout);
-    for (CBlockScratch& s : halves) s.Reserve(net.layout.nInputs, 0, block);
-    double sums[2] = {0.0, 0.0};
-    auto work = [&](int part) {
-        CBlockScratch& s = halves[part];
-        const CHalf half = HalfOf(net.nPatterns, part);
-        for (UINT first = half.first; first < half.end && !cancel.Abandoned(); first += block) {
-            const UINT count = std::min(block, half.end - first);
+    const UINT block = BlockPatterns(net.layout, net.nPatterns);
+    const CParts parts = PartsOf(net.nPatterns, block, ForwardWork(net), 0.0);
+    const UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
+    CPartScratch& scratch = ScratchOfParts();
+    for (UINT w = 0; w < workers; ++w) scratch.workers[w].Reserve(net.layout.nInputs, 0, block);
+    scratch.blockSums.assign(parts.blocks, 0.0);
+    RunParts(parts.count, workers, [&](UINT part, UINT worker) {
+        CBlockScratch& s = scratch.workers[worker];
+        for (UINT b = parts.FirstBlock(part); b < parts.FirstBlock(part + 1) && !cancel.Abandoned(); ++b) {
+            const UINT first = b * block, count = std::min(block, net.nPatterns - first);
             ForwardBlock(net, first, count, s, false, cancel);
-            sums[part] += BlockErrors(net, first, count, s);
+            scratch.blockSums[b] = BlockErrors(net, first, count, s);
             if (outputs) std::copy(s.y.data(), s.y.data() + count, outputs + first);
         }
-    };
-    RunHalves(ForwardWork(net) >= kParallelWork && net.nPatterns >= kSplitPatterns, work);
+    });
     cancel.ThrowIfAbandoned();
-    return sums[0] + sums[1];
+    return SumInOrder(scratch.blockSums, parts.blocks);
 }
 
 void MirrorUpperToLower(double* a, size_t n, const CCancelToken& cancel) {

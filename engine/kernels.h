@@ -4,8 +4,10 @@
 // parameter, the patterns side by side, so that each unit's entries and its one exp per pattern run over
 // contiguous memory with vector instructions), and added to the upper triangle of the quasi-Hessian by a
 // symmetric rank-k update, to the gradient by a matrix-vector product; the lower triangle is mirrored once at
-// the end. The patterns fall into two halves that two threads sum apart when the work is large enough. Memory
-// is two blocks of rows, whatever the number of patterns.
+// the end. When the work is large enough the blocks fall into up to eight parts of consecutive blocks, summed
+// apart on as many threads as there are cores and added in the order of the parts; the parts follow from the
+// shape alone. Memory is a block of rows per thread and a bounded number of spare sums, whatever the number
+// of patterns.
 //
 // Factorization: a recursive right-looking LU. Its one-column steps keep the pivot rule of the plain
 // algorithm (implicit scaling, whole-row swaps, indx, the TINY replacement); the updates between them are
@@ -32,21 +34,20 @@ constexpr double kStripWork = 2e8;
 // strips stop early, and the product is then incomplete; it may run on a helper thread, so the caller throws
 // (cancel.ThrowIfAbandoned) once it is back on the run's own.
 template <class Strip>
-void InStrips(size_t cols, double columnWork, const CCancelToken& cancel, Strip strip) {
-    const size_t width = columnWork * cols <= kStripWork
+void InStrips(size_t cols, double columnWork, const CCancelToken& cancel, Strip strip,
+              double stripWork = kStripWork) {
+    const size_t width = columnWork * cols <= stripWork
                              ? std::max<size_t>(cols, 1)
-                             : std::max<size_t>(1, static_cast<size_t>(kStripWork / std::max(columnWork, 1.0)));
+                             : std::max<size_t>(1, static_cast<size_t>(stripWork / std::max(columnWork, 1.0)));
     for (size_t first = 0; first < cols && !cancel.Abandoned(); first += width)
         strip(first, std::min(width, cols - first));
 }
 
-// Patterns per block of Jacobian rows for a layout: as many as keep a block's rows near 8 MB, between 256 and
-// 2048. Fewer, larger blocks mean fewer passes over the quasi-Hessian, which each block's update reads and
-// writes whole.
-UINT BlockPatterns(const CParamLayout& layout);
-
-// From this many patterns on, the patterns fall into two halves, each summed on its own.
-constexpr UINT kSplitPatterns = 512;
+// Patterns per block of Jacobian rows for a layout and a number of patterns: at most as many as keep a
+// block's rows near 8 MB (between 256 and 2048), and no more than an eighth of the patterns, but not below
+// 512, so that up to eight threads find blocks to sum. Fewer, larger blocks mean fewer passes over the
+// quasi-Hessian, which each block's update reads and writes whole.
+UINT BlockPatterns(const CParamLayout& layout, UINT patterns);
 
 // Number of rows of the transposed Jacobian: the packed vector's length, or the layout's when that is
 // longer, so that there is a row for every entry of the form.
@@ -59,7 +60,7 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
 
 // gradient[k] = sum of e * J[k] over all patterns. With hessian not null also hessian[i * nParams + j] = sum
 // of J[i] * J[j], both triangles; every element of hessian is written, so it needs no clearing beforehand.
-// spare (nParams x nParams, needed with hessian) holds the second half's sum on the way and is left all 0.0.
+// spare (nParams x nParams, needed with hessian) holds the second part's sum on the way: no defined value after.
 // Returns the sum of e * e over the patterns, the same value as SumSquaredErrors on the same network.
 // Throws CCancelled when cancel is abandoned on the way (gradient and hessian are then incomplete), and
 // std::bad_alloc when its scratch does not fit in memory.
@@ -72,19 +73,15 @@ double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelT
 // exp of count values (in and out may be the same array), by vector instructions where the processor has them.
 void ExpArray(const double* in, double* out, size_t count);
 
-// Cores the kernels use: those the process may run on, or fewer after LimitThreads (0: no limit). For
-// benchmarks that compare one core with all.
+// Threads the kernels use: as many as the process has cores, or `count` after LimitThreads(count) (0: the
+// cores again), more than the cores too. For benchmarks that compare one core with all, and for tests that
+// hold the results of many threads against one.
 int ThreadCount();
 void LimitThreads(int count);
 
 // Keeps freed blocks of up to 32 MiB with the process for the next allocation, instead of returning them to
 // the system page by page; once per process, at the first accumulation.
 void KeepFreedBlocks();
-
-// Call first in main. The BLAS reads how long its idle threads spin only when it is loaded, so unless the
-// user has set OPENBLAS_THREAD_TIMEOUT the program starts itself once more with the shortest spin. Returns
-// (and the program runs as it is) when the variable was set already or the system refuses the restart.
-void StartWithQuietBlasThreads(char** argv);
 
 // For its lifetime, gives the BLAS as many threads as work of about `flops` operations is worth: one for
 // small products and matrix-vector work, ThreadCount() for large ones. Restores the count it found.

@@ -7,6 +7,7 @@
 
 #include "engine/kernels.h"
 #include "engine/matrix.h"
+#include "engine/parallel.h"
 
 namespace engine {
 namespace kernels {
@@ -92,16 +93,21 @@ void FactorPanel(Factorization& f, int k0, int width) {
     const int right = width - left;
     FactorPanel(f, k0, left);
     const double below = f.n - k1;
-    CBlasThreads threads(static_cast<double>(left) * right * (left + 2.0 * below));
-    InStrips(right, double(left) * left, f.cancel, [&](size_t j0, size_t w) {
-        cblas_dtrsm(CblasRowMajor, CblasLeft, CblasLower, CblasNoTrans, CblasUnit, left, static_cast<int>(w), 1.0,
-                    f.At(k0, k0), f.n, f.At(k0, k1 + static_cast<int>(j0)), f.n);
+    // The right half's columns in strips that the shape fixes, side by side on the threads (see InEqualStrips).
+    const UINT threads = static_cast<UINT>(ThreadCount());
+    InEqualStrips(right, double(left) * left, 16, threads, [&](size_t s0, size_t sw) {
+        InStrips(sw, double(left) * left, f.cancel, [&](size_t j0, size_t w) {
+            cblas_dtrsm(CblasRowMajor, CblasLeft, CblasLower, CblasNoTrans, CblasUnit, left, static_cast<int>(w),
+                        1.0, f.At(k0, k0), f.n, f.At(k0, k1 + static_cast<int>(s0 + j0)), f.n);
+        });
     });
     if (k1 < f.n)
-        InStrips(right, 2.0 * below * left, f.cancel, [&](size_t j0, size_t w) {
-            const int j = k1 + static_cast<int>(j0);
-            cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, f.n - k1, static_cast<int>(w), left, -1.0,
-                        f.At(k1, k0), f.n, f.At(k0, j), f.n, 1.0, f.At(k1, j), f.n);
+        InEqualStrips(right, 2.0 * below * left, 16, threads, [&](size_t s0, size_t sw) {
+            InStrips(sw, 2.0 * below * left, f.cancel, [&](size_t j0, size_t w) {
+                const int j = k1 + static_cast<int>(s0 + j0);
+                cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, f.n - k1, static_cast<int>(w), left, -1.0,
+                            f.At(k1, k0), f.n, f.At(k0, j), f.n, 1.0, f.At(k1, j), f.n);
+            });
         });
     f.cancel.ThrowIfAbandoned();
     FactorPanel(f, k1, right);
@@ -112,6 +118,7 @@ void FactorPanel(Factorization& f, int k0, int width) {
 void FactorLU(double* a, int n, int* indx, const CCancelToken& cancel) {
     if (n <= 0) return;
     Factorization f{a, n, indx, std::vector<double>(n), cancel};
+    CBlasThreads single(0.0);  // every product on one BLAS thread, the strips on the threads (FactorPanel)
     ScaleRows(f);
     FactorPanel(f, 0, n);
 }

@@ -31,8 +31,9 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* 
     while (result.tries < kMaxTries) {
         cancel.ThrowIfAbandoned();
         ++result.tries;
-        // The solve destroys the quasi-Hessian, so each try starts again from the saved copy.
-        std::memcpy(s.pHessian, savedHessian, n * n * sizeof(double));
+        // The solve destroys the quasi-Hessian, so each later try starts again from the saved copy; the first
+        // finds it as the accumulation left it.
+        if (result.tries > 1) std::memcpy(s.pHessian, savedHessian, n * n * sizeof(double));
         for (size_t d = 0; d < n; ++d) s.pHessian[d * n + d] += result.damping;
         // The step is the damped matrix's inverse applied to the gradient; a solve with the factors gives it
         // at a third of the cost of forming the inverse.

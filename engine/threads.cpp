@@ -3,11 +3,9 @@
 #include <cblas.h>
 #include <malloc.h>
 #include <sched.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
-#include <cstdlib>
 #include <mutex>
 #include <thread>
 
@@ -31,7 +29,7 @@ int CoresOfProcess() {
 int ThreadCount() {
     static const int cores = CoresOfProcess();
     const int limit = g_limit.load(std::memory_order_relaxed);
-    return limit > 0 ? std::min(limit, cores) : cores;
+    return limit > 0 ? limit : cores;
 }
 
 void LimitThreads(int count) { g_limit.store(std::max(0, count), std::memory_order_relaxed); }
@@ -47,16 +45,6 @@ void KeepFreedBlocks() {
         mallopt(M_MMAP_THRESHOLD, 32 * 1024 * 1024);
         mallopt(M_TRIM_THRESHOLD, 1 << 30);
     });
-}
-
-void StartWithQuietBlasThreads(char** argv) {
-    // After each product the BLAS's idle threads spin before they sleep, and on a machine of few cores the
-    // accumulation's own threads then wait for the cores they hold: a damped iteration at 1201 parameters and
-    // 1000 patterns took a third longer on two cores than on one. Threads that sleep at once cost a wake-up of
-    // some microseconds per product instead.
-    if (std::getenv("OPENBLAS_THREAD_TIMEOUT") != nullptr) return;
-    setenv("OPENBLAS_THREAD_TIMEOUT", "4", 1);
-    execv("/proc/self/exe", argv);
 }
 
 CBlasThreads::CBlasThreads(double flops) : m_previous(openblas_get_num_threads()) {

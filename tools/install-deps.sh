@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages that building, running and testing Vantrel need, if any is missing
-# (clang and its runtime for the sanitizer build and the fuzz targets of the checks).
+# (clang and its runtime for the sanitizer build and the fuzz targets of the checks; numpy for the outside
+# comparison of bench/numpy_lm.py).
 set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev
           libopenblas-dev liblapacke-dev fonts-liberation fonts-urw-base35 xdg-utils

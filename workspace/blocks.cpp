@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <mutex>
+#include <unordered_map>
 #include <new>
 #include <vector>
 
@@ -63,9 +65,28 @@ std::size_t CountOf(Extent extent, const CBlockCounts& counts) {
     return 0;
 }
 
+// The elements of every block taken here and not yet released, by its address: what FitBlocks compares with.
+std::mutex g_sizesMutex;
+std::unordered_map<const double*, std::size_t> g_sizes;
+
+void Release(double*& slot) {
+    {
+        const std::lock_guard<std::mutex> lock(g_sizesMutex);
+        g_sizes.erase(slot);
+    }
+    delete[] slot;
+    slot = nullptr;
+}
+
+bool HasSize(const double* block, std::size_t size) {
+    const std::lock_guard<std::mutex> lock(g_sizesMutex);
+    const auto found = g_sizes.find(block);
+    return block != nullptr && found != g_sizes.end() && found->second == size;
+}
+
 // New blocks for the named ones, each starting with up to keep(old size) elements of the old block; then the
 // old ones go and the new ones take their places.
-void Renew(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts, bool keepOld) {
+void Renew(CVantrelDlg& dlg, const std::vector<Block>& blocks, const CBlockCounts& counts, bool keepOld) {
     const CBlockCounts now = CountsOf(dlg);
     // Counts a user chooses size these blocks, and the system grants far more than it has: a block beyond the
     // memory would be handed out and the program killed while filling it. So they are refused before any is
@@ -84,7 +105,7 @@ void Renew(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCo
     std::size_t k = 0;
     for (Block block : blocks) {
         double*& slot = dlg.*ShapeOf(block).member;
-        delete[] slot;
+        Release(slot);
         slot = fresh[k++].release();
     }
 }
@@ -110,10 +131,22 @@ std::size_t BlockSize(Block block, const CBlockCounts& counts) {
     return rows * columns;
 }
 
-double* AllocateBlock(std::size_t count) { return new double[count](); }
+double* AllocateBlock(std::size_t count) {
+    double* block = new double[count]();
+    const std::lock_guard<std::mutex> lock(g_sizesMutex);
+    g_sizes[block] = count;
+    return block;
+}
 
 void ReplaceBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts) {
     Renew(dlg, blocks, counts, false);
+}
+
+void FitBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts) {
+    std::vector<Block> misfits;
+    for (Block block : blocks)
+        if (!HasSize(dlg.*ShapeOf(block).member, BlockSize(block, counts))) misfits.push_back(block);
+    Renew(dlg, misfits, counts, false);
 }
 
 void GrowBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts) {
@@ -121,17 +154,9 @@ void GrowBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBl
 }
 
 void ReleaseBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks) {
-    for (Block block : blocks) {
-        double*& slot = dlg.*ShapeOf(block).member;
-        delete[] slot;
-        slot = nullptr;
-    }
+    for (Block block : blocks) Release(dlg.*ShapeOf(block).member);
 }
 
 void CVantrelDlg::ReleaseArrays() {
-    for (const CBlockShape& shape : kShapes) {
-        double*& slot = this->*shape.member;
-        delete[] slot;
-        slot = nullptr;
-    }
+    for (const CBlockShape& shape : kShapes) Release(this->*shape.member);
 }

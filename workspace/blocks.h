@@ -1,6 +1,6 @@
 // The workspace's sixteen heap blocks: the counts each one's size follows, and the one place that replaces,
-// grows and releases them. A block is never resized: it is released and allocated anew, and a grown block is a
-// new block that starts with the old one's rows.
+// grows and releases them. A block is never resized: it is released and allocated anew (or, where it fits
+// already, kept), and a grown block is a new block that starts with the old one's rows.
 #pragma once
 
 #include <cstddef>
@@ -48,7 +48,10 @@ double* AllocateBlock(std::size_t count);
 // blocks are taken before an old one goes: when memory runs out this throws std::bad_alloc and the workspace
 // is as it was. The workspace's counts are the caller's to set.
 void ReplaceBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts);
-// The same, but each new block begins with the elements of the old one (its rows, as the workspace's counts
+// The same for the blocks that have not their size for the counts already; a block that has keeps its place
+// and its elements. For blocks that every use overwrites whole.
+void FitBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts);
+// The same as ReplaceBlocks, but each new block begins with the elements of the old one (its rows, as the workspace's counts
 // now shape it) and only what lies beyond them is 0.0. For counts that add rows: more patterns behind the
 // old ones, more units behind the old ones.
 void GrowBlocks(CVantrelDlg& dlg, std::initializer_list<Block> blocks, const CBlockCounts& counts);

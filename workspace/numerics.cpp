@@ -76,12 +76,13 @@ UINT CVantrelDlg::FindWorstPattern() { return engine::FindWorstPattern(m_pTarget
 namespace {
 
 double Accumulate(CVantrelDlg& dlg, bool improved, bool secondOrder) {
+    // The kernel writes every element of the gradient and the quasi-Hessian, and uses m_pHessianInv as its
+    // spare storage on the way: blocks that have their size already are kept from one iteration to the next,
+    // neither taken anew nor cleared.
     if (secondOrder)
-        ReplaceBlocks(dlg, {Block::Gradient, Block::Hessian, Block::HessianInv}, CountsOf(dlg));
+        FitBlocks(dlg, {Block::Gradient, Block::Hessian, Block::HessianInv}, CountsOf(dlg));
     else
-        ReplaceBlocks(dlg, {Block::Gradient}, CountsOf(dlg));
-    // The kernel writes every element of the quasi-Hessian, and uses m_pHessianInv as its spare storage on
-    // the way, leaving it cleared.
+        FitBlocks(dlg, {Block::Gradient}, CountsOf(dlg));
     return engine::kernels::AccumulateDerivatives(ViewOf(dlg, improved), dlg.m_nParams,
                                                   secondOrder ? dlg.m_pHessian : nullptr, dlg.m_pGradient,
                                                   secondOrder ? dlg.m_pHessianInv : nullptr, dlg.m_cancel);

@@ -2,6 +2,8 @@
 // (stop, abandon, no result file, no patterns), and that the same numbers train to the same bits.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -54,9 +56,9 @@ engine::CFixedSettings Settings(engine::Algorithm algorithm, UINT iterations) {
 }
 
 engine::CRunOutcome Train(engine::CNetworkBuffers& b, const engine::CFixedSettings& s, CRecordingSink& sink,
-                        const engine::CCancelToken& token) {
+                        const engine::CCancelToken& token, bool online = false) {
     b.SetAlgorithm(s.algorithm);
-    if (s.algorithm == engine::kErrorCorrection) return engine::RunErrorCorrection(b, s, sink, token, false);
+    if (s.algorithm == engine::kErrorCorrection) return engine::RunErrorCorrection(b, s, sink, token, online);
     return engine::RunFixedSize(b, s, sink, token);
 }
 
@@ -130,24 +132,72 @@ TEST(Runs, StopAbandonMissingResultFileAndNoPatternsEndTheRunBeforeAnyTrial) {
         }
 }
 
-TEST(Runs, SameNumbersTrainToTheSameBitsOnOneThreadAsOnAll) {
+namespace {
+
+// The bits of what a run or an accumulation leaves, on `threads` threads: compared as bits, so that a NaN
+// equals the same NaN.
+using CTrainedBits = std::vector<double>;
+
+std::vector<uint64_t> Bits(const CTrainedBits& values) {
+    std::vector<uint64_t> bits(values.size());
+    std::memcpy(bits.data(), values.data(), values.size() * sizeof(double));
+    return bits;
+}
+
+CTrainedBits TrainedOn(int threads, int algorithm, const CSampleShape& shape) {
+    engine::kernels::LimitThreads(threads);
+    CSample sample(shape);
+    engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 3);
+    s.loadFromFile = true;  // trains the sample's own network
+    s.maxUnits = 2;  // Error Correction goes on online from the sample's units, large enough for parts
+    s.learningConstant = 1e-5;  // small enough for 8200 patterns: first order stays finite
+    CRecordingSink sink;
+    Train(sample.buffers, s, sink, engine::CCancelToken::Never(), true);
+    engine::kernels::LimitThreads(0);
+    const engine::CNetwork net = sample.Net();
+    CTrainedBits bits = sink.curves.at(0);
+    for (const std::vector<double>& block :
+         {Copy(net.pOutputWeights, net.nUnits + 1), Copy(net.pWidths, net.nUnits),
+          Copy(net.pInputWeights, net.nUnits * 2), Copy(net.pCenters, net.nUnits * 2)})
+        bits.insert(bits.end(), block.begin(), block.end());
+    return bits;
+}
+
+CTrainedBits AccumulatedOn(int threads, const CSampleShape& shape) {
+    engine::kernels::LimitThreads(threads);
+    CSample sample(shape);
+    sample.buffers.Accumulate(false, true);
+    const engine::CStepArrays a = sample.Step();
+    CTrainedBits bits = Copy(a.pHessian, size_t(a.nParams) * a.nParams);
+    bits.push_back(sample.buffers.AccumulateGradientAndError(false));
+    const CTrainedBits gradient = Copy(a.pGradient, a.nParams);
+    bits.insert(bits.end(), gradient.begin(), gradient.end());
+    // And the damped step that the factors give.
+    sample.buffers.Accumulate(false, true);
+    for (size_t d = 0; d < a.nParams; ++d) a.pHessian[d * a.nParams + d] += 0.01;
+    std::vector<double> step(a.nParams);
+    sample.buffers.SolveHessian(step.data());
+    bits.insert(bits.end(), step.begin(), step.end());
+    engine::kernels::LimitThreads(0);
+    return bits;
+}
+
+}  // namespace
+
+TEST(Runs, SameNumbersTrainToTheSameBitsOnAnyNumberOfThreads) {
+    // 8200 patterns make eight blocks, so eight parts once the network is worth it (from about 55 units on);
+    // 1201 parameters on 1000 patterns make two parts whose products and factors are worth all the threads.
+    const CSampleShape parts{8200, 2, 60, engine::kSecondOrder, 3}, wide{1000, 2, 300, engine::kSecondOrder, 4};
+    for (const CSampleShape& shape : {parts, wide}) {
+        const std::vector<uint64_t> one = Bits(AccumulatedOn(1, shape));
+        for (int threads : {2, 3, 8})
+            EXPECT_EQ(Bits(AccumulatedOn(threads, shape)), one) << shape.nPatterns << " patterns: accumulation on " << threads;
+    }
     for (int algorithm = 0; algorithm < engine::kAlgorithmCount; ++algorithm) {
-        std::vector<double> trained[2];
-        for (int threads : {0, 1}) {
-            engine::kernels::LimitThreads(threads);
-            CSample sample({engine::kernels::kSplitPatterns + 88, 2, 6, algorithm, 3});
-            engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 4);
-            s.loadFromFile = true;  // trains the sample's own network
-            CRecordingSink sink;
-            Train(sample.buffers, s, sink, engine::CCancelToken::Never());
-            const engine::CNetwork net = sample.Net();
-            std::vector<double>& bits = trained[threads];
-            for (const std::vector<double>& block :
-                 {Copy(net.pOutputWeights, net.nUnits + 1), Copy(net.pWidths, net.nUnits),
-                  Copy(net.pInputWeights, net.nUnits * 2), Copy(net.pCenters, net.nUnits * 2), sink.curves.at(0)})
-                bits.insert(bits.end(), block.begin(), block.end());
-        }
-        engine::kernels::LimitThreads(0);
-        EXPECT_EQ(trained[0], trained[1]) << "algorithm " << algorithm << ": one thread trained other bits";
+        CSampleShape shape = parts;
+        shape.nAlgorithm = algorithm;
+        const std::vector<uint64_t> one = Bits(TrainedOn(1, algorithm, shape));
+        for (int threads : {2, 3, 8})
+            EXPECT_EQ(Bits(TrainedOn(threads, algorithm, shape)), one) << "algorithm " << algorithm << " on " << threads;
     }
 }

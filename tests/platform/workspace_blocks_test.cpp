@@ -44,3 +44,23 @@ TEST(WorkspaceBlocks, ASizeBeyondMemoryLeavesEveryBlockAsItWas) {
     dlg.ReleaseArrays();
     EXPECT_EQ(dlg.m_pTargets, nullptr);
 }
+
+TEST(WorkspaceBlocks, FittingKeepsABlockOfItsSizeAndReplacesTheOthers) {
+    CVantrelDlg dlg;
+    dlg.m_nParams = 3;
+    ReplaceBlocks(dlg, {Block::Gradient, Block::Hessian}, CountsOf(dlg));
+    dlg.m_pGradient[0] = 4.0;
+    const double* gradient = dlg.m_pGradient;
+    FitBlocks(dlg, {Block::Gradient}, CountsOf(dlg));
+    EXPECT_EQ(dlg.m_pGradient, gradient) << "a block of its size stays";
+    EXPECT_EQ(dlg.m_pGradient[0], 4.0) << "and keeps what it holds";
+
+    dlg.m_nParams = 2;
+    FitBlocks(dlg, {Block::Gradient, Block::Hessian, Block::HessianInv}, CountsOf(dlg));
+    EXPECT_EQ(std::vector<double>(dlg.m_pGradient, dlg.m_pGradient + 2), (std::vector<double>{0, 0}));
+    EXPECT_EQ(std::vector<double>(dlg.m_pHessianInv, dlg.m_pHessianInv + 4), (std::vector<double>(4, 0.0)))
+        << "a block that was not there is taken, cleared";
+    const double* hessian = dlg.m_pHessian;
+    FitBlocks(dlg, {Block::Hessian}, CountsOf(dlg));
+    EXPECT_EQ(dlg.m_pHessian, hessian);
+}

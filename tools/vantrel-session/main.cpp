@@ -6,8 +6,7 @@
 #include <iostream>
 #include <sstream>
 
-#include "engine/blas_limits.h"
-#include "engine/kernels.h"
+#include "engine/blas_setup.h"
 #include "platform/app.h"
 #include "platform/files.h"
 #include "runner.h"
@@ -23,8 +22,7 @@ int Usage() {
 }  // namespace
 
 int main(int argc, char** argv) {
-    engine::kernels::StartWithQuietBlasThreads(argv);
-    engine::FitBlasToAddressSpace(argv);
+    engine::StartWithBlasSettings(argv);
     std::string dir;
     std::string scriptPath;
     for (int i = 1; i < argc; ++i) {
