@@ -57,6 +57,9 @@ CWnd* CWnd::GetDlgItem(int id) const {
 BOOL CWnd::SubclassDlgItem(UINT id, CWnd* parent) {
     const int control = static_cast<int>(id);
     if (parent == nullptr || parent->m_window == nullptr || !parent->m_window->HasControl(control)) return FALSE;
+    // Data exchange binds the wrappers again at every UpdateData, while a worker may be using them (a control
+    // operation, a plot's repaint): a binding that stands as asked is not written again.
+    if (m_window == parent->m_window && m_nID == control && parent->Item(control) == this) return TRUE;
     Attach(*this, parent->m_window, control);
     parent->BindItem(control, this);
     return TRUE;
