@@ -79,14 +79,7 @@ CStepArrays CNetworkBuffers::Step() {
     return CStepArrays{m_params.data(), m_delta.data(), m_gradient.data(), m_hessian.data(), m_nParams};
 }
 
-CParamLayout CNetworkBuffers::Layout() const {
-    CParamLayout layout;
-    layout.nUnits = m_nUnits;
-    layout.nInputs = m_nInputs;
-    layout.nOutputs = kOutputs;
-    layout.bImproved = IsImprovedAlgorithm(m_algorithm);
-    return layout;
-}
+CParamLayout CNetworkBuffers::Layout() { return LayoutOf(Network(), IsImprovedAlgorithm(m_algorithm)); }
 
 void CNetworkBuffers::InitializeNetwork() {
     // A caller that set no source gets the C library's generator as it stands. Seeding a fallback here would

@@ -52,7 +52,7 @@ public:
     void AddUnitAtWorstPattern() override;
 
 private:
-    CParamLayout Layout() const;
+    CParamLayout Layout();
     double Accumulated(bool improved, bool secondOrder);
 
     const CCancelToken& m_cancel;

@@ -33,8 +33,10 @@ def _best_kernel_family():
 # The BLAS reads these when it is loaded: they hold when vantrel is imported before numpy, and a value the
 # user has set stays. Idle BLAS threads sleep at once instead of spinning against the engine's own threads.
 os.environ.setdefault("OPENBLAS_THREAD_TIMEOUT", "4")
-if "OPENBLAS_CORETYPE" not in os.environ and _best_kernel_family():
-    os.environ["OPENBLAS_CORETYPE"] = _best_kernel_family()
+if "OPENBLAS_CORETYPE" not in os.environ:
+    _family = _best_kernel_family()
+    if _family:
+        os.environ["OPENBLAS_CORETYPE"] = _family
 
 from vantrel import _engine  # noqa: E402
 from vantrel._estimators import ALGORITHMS, RBFClassifier, RBFRegressor  # noqa: E402
