@@ -169,11 +169,10 @@ double BlockErrors(const CNetworkView& net, UINT first, UINT count, CBlockScratc
     return sum;
 }
 
-// Below this many floating-point operations (about ten milliseconds) a second thread costs more than it saves
-// on a machine whose cores are busy with other work: the Error Correction run to 100 units on 2000 patterns
-// took 1.4 times as long on two cores as on one with its networks split from 2e7 on, 1.5 times from 5e7 on.
-// Its networks (up to 401 parameters) now run on one thread, without thread start-up.
-constexpr double kParallelWork = 4.0e8;
+// From this many floating-point operations on (about a tenth of a millisecond) the patterns fall into parts for
+// the kept threads: with threads started anew for each pass the threshold had to be 4e8, and every network of
+// the Error Correction Algorithm ran on one core.
+constexpr double kParallelWork = 1.0e7;
 
 // At most this many parts, and no more spare quasi-Hessians than fit in this many doubles (32 MiB).
 constexpr UINT kMaxParts = 8;
@@ -230,6 +229,10 @@ double SumInOrder(const std::vector<double>& blockSums, UINT blocks) {
 constexpr UINT kMaxStrips = 8;
 constexpr double kUpdatePieceWork = 2e9;
 
+// A rank-k update splits into strips from this much work on (about twenty milliseconds): the strips of one
+// part's update are worth it only where the parts leave threads over, on many cores.
+constexpr double kStripsWork = 1.6e9;
+
 // hessian (upper triangle, n x n) = beta * hessian + rows rows^T over count patterns (rows: n x count at
 // stride lanes). The columns fall into strips of about equal work, fixed by the shape, each a product of its
 // own on one BLAS thread, up to `threads` strips at a time: the BLAS's own threads would split the work by
@@ -240,7 +243,7 @@ void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double bet
     const int ld = static_cast<int>(lanes), k = static_cast<int>(count), size = static_cast<int>(n);
     // Each strip packs the rows left of it anew: strips of fewer than 512 columns cost more than they share.
     const double work = double(count) * n * n;
-    const UINT strips = work >= 4 * kParallelWork ? std::clamp<UINT>(static_cast<UINT>(n / 512), 1, kMaxStrips) : 1;
+    const UINT strips = work >= kStripsWork ? std::clamp<UINT>(static_cast<UINT>(n / 512), 1, kMaxStrips) : 1;
     // Strip i ends at n sqrt((i + 1) / strips): the triangle's columns grow longer to the right.
     auto edge = [&](UINT i) {
         return i >= strips ? n : static_cast<size_t>(double(n) * std::sqrt(double(i) / strips)) / 8 * 8;
