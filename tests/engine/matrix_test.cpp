@@ -68,6 +68,8 @@ TEST(FactorLU, PivotRowsFollowTheScaledRuleOfThePlainDecomposition) {
         {"exchange: swap at step 0", {0.0, 1.0, 1.0, 0.0}, 2, {1, 1}},
         // Scaled candidates of column 0: 2/2000 = 0.001 and 1/1 = 1.0, so the row of smaller raw value wins.
         {"scaled pivot", {2.0, 2000.0, 1.0, 1.0}, 2, {1, 1}},
+        // Scaled candidates 0.1, 0.5 and 0.5: of two equal ones the first row wins.
+        {"tie: first row", {1.0, 10.0, 1.0, 2.0, 4.0, 1.0, 4.0, 8.0, 1.0}, 3, {1, 1, 2}},
         {"zero column: own row, TINY", {0.0, 1.0, 0.0, 2.0}, 2, {0, 1}},
         {"NaN column: own row", {kNaN, 1.0, kNaN, 2.0}, 2, {0, 1}},
     };
@@ -119,7 +121,8 @@ TEST(FactorLU, AbandonedTokenThrowsCancelled) {
 }
 
 TEST(FactorLU, BlockedFactorsAndSolveEqualThePlainOnesAcrossBlockSizes) {
-    for (int n : {1, 2, 5, 16, 17, 33, 64, 65, 130, 300}) {
+    // Up to 1030, whose widest update splits into two strips of columns.
+    for (int n : {1, 2, 5, 16, 17, 33, 64, 65, 130, 300, 1030}) {
         const std::vector<double> matrix = RandomGeneral(n, 100 + n);
         std::vector<double> fast = matrix, plain = matrix;
         std::vector<int> fastIndx(n), plainIndx(n);
