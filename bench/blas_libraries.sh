@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# The dense kernels that training leans on, on each BLAS of Debian 12 that is installed: OpenBLAS (on the kernel
+# family that the program would choose), BLIS (libblis4-pthread) and ATLAS (libatlas3-base), on one core and on
+# two. The program links OpenBLAS itself; this only says whether another library would serve better.
+#
+#   bash bench/blas_libraries.sh
+set -euo pipefail
+cd "$(dirname "$0")"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+lib=/usr/lib/x86_64-linux-gnu
+g++ -O2 blas_libraries.cpp -o "$work/blas_libraries" -L"$lib/openblas-pthread" -l:libblas.so.3
+flags=$(grep -m1 '^flags' /proc/cpuinfo)
+family=
+if [[ $flags == *avx512f* && $flags == *avx512dq* && $flags == *avx512bw* && $flags == *avx512vl* ]]; then
+  family=SkylakeX
+elif [[ $flags == *avx2* && $flags == *fma* ]]; then
+  family=Haswell
+fi
+for impl in openblas-pthread blis-pthread atlas; do
+  [ -e "$lib/$impl/libblas.so.3" ] || { echo "== $impl: not installed"; continue; }
+  for threads in 1 2; do
+    echo "== $impl, $threads thread(s)"
+    LD_LIBRARY_PATH="$lib/$impl" OPENBLAS_CORETYPE=${OPENBLAS_CORETYPE:-$family} OPENBLAS_NUM_THREADS=$threads \
+      BLIS_NUM_THREADS=$threads "$work/blas_libraries"
+  done
+done
