@@ -1,7 +1,7 @@
 // Times of the dense kernels that training leans on, through the BLAS's Fortran interface, so that any BLAS
 // of the system can be loaded in place of OpenBLAS: a 2000 x 2000 dgemm, the quasi-Hessian's dsyrk (1201
 // parameters, 1000 patterns) and a unit lower triangular solve of the factorization's size. Run by
-// blas_libraries.sh, once for each library.
+// run.sh, once for each library.
 #include <chrono>
 #include <cstdio>
 #include <vector>

@@ -3,13 +3,13 @@
 # family that the program would choose), BLIS (libblis4-pthread) and ATLAS (libatlas3-base), on one core and on
 # two. The program links OpenBLAS itself; this only says whether another library would serve better.
 #
-#   bash bench/blas_libraries.sh
+#   bash bench/other_blas/run.sh
 set -euo pipefail
 cd "$(dirname "$0")"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 lib=/usr/lib/x86_64-linux-gnu
-g++ -O2 blas_libraries.cpp -o "$work/blas_libraries" -L"$lib/openblas-pthread" -l:libblas.so.3
+g++ -O2 kernels.cpp -o "$work/kernels" -L"$lib/openblas-pthread" -l:libblas.so.3
 flags=$(grep -m1 '^flags' /proc/cpuinfo)
 family=
 if [[ $flags == *avx512f* && $flags == *avx512dq* && $flags == *avx512bw* && $flags == *avx512vl* ]]; then
@@ -22,6 +22,6 @@ for impl in openblas-pthread blis-pthread atlas; do
   for threads in 1 2; do
     echo "== $impl, $threads thread(s)"
     LD_LIBRARY_PATH="$lib/$impl" OPENBLAS_CORETYPE=${OPENBLAS_CORETYPE:-$family} OPENBLAS_NUM_THREADS=$threads \
-      BLIS_NUM_THREADS=$threads "$work/blas_libraries"
+      BLIS_NUM_THREADS=$threads "$work/kernels"
   done
 done
