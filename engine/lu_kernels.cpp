@@ -77,9 +77,9 @@ struct CPanel {
 void EliminateColumn(Factorization& f, CPanel& p, int k) {
     const int c = k - p.k0, top = k - p.k0;
     const double* column = p.Column(c);
-    // A column with no positive scaled candidate (all 0 or NaN) keeps its own row as pivot: the matrix has no
-    // inverse, and the run meets huge values or NaNs instead of an undefined row index.
-    // The first row of the largest scaled magnitude, found as the first that equals the largest.
+    // The first row of the largest scaled magnitude, found as the first that equals the largest. A column with
+    // no positive scaled candidate (all 0 or NaN) keeps its own row as pivot: the matrix has no inverse, and the
+    // run meets huge values or NaNs instead of an undefined row index.
     int imax = k;
     const double big = LargestScaled(column + top, f.vv.data() + k, f.n - k);
     if (big > 0.0)
