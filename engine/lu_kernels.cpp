@@ -17,10 +17,11 @@ namespace {
 // Panels this narrow are factored column by column; wider ones split in two.
 constexpr int kBasePanel = 16;
 
-// The updates of a panel's right half run in strips at least this wide (each product packs its left operand
-// anew, so narrower strips repeat that work too often) and in pieces of at most this much work between two
-// looks at the cancel token: about a hundredth of a second.
+// The updates of a panel's right half run in strips at least this wide (the triangular solve's, by columns)
+// or this tall (the product's, by rows), since each strip packs its share of the other operand anew, and in
+// pieces of at most this much work between two looks at the cancel token: about a hundredth of a second.
 constexpr size_t kMinStripWidth = 256;
+constexpr size_t kMinStripRows = 256;
 constexpr double kPieceWork = 1e9;
 
 struct Factorization {
@@ -157,7 +158,6 @@ void FactorPanel(Factorization& f, int k0, int width) {
     const int k1 = k0 + left;
     const int right = width - left;
     FactorPanel(f, k0, left);
-    const double below = f.n - k1;
     // The right half's columns in strips that the shape fixes, side by side on the threads (see InEqualStrips).
     const UINT threads = static_cast<UINT>(ThreadCount());
     InEqualStrips(right, double(left) * left, kMinStripWidth, threads, [&](size_t s0, size_t sw) {
@@ -169,14 +169,17 @@ void FactorPanel(Factorization& f, int k0, int width) {
             },
             kPieceWork);
     });
+    // The update of the rows below in strips of rows: the tall blocks of the lower levels split as well as the
+    // wide ones of the top, and each strip packs only its own rows of the left operand.
     if (k1 < f.n)
-        InEqualStrips(right, 2.0 * below * left, kMinStripWidth, threads, [&](size_t s0, size_t sw) {
+        InEqualStrips(f.n - k1, 2.0 * right * left, kMinStripRows, threads, [&](size_t r0, size_t rows) {
             InStrips(
-                sw, 2.0 * below * left, f.cancel,
+                right, 2.0 * rows * left, f.cancel,
                 [&](size_t j0, size_t w) {
-                    const int j = k1 + static_cast<int>(s0 + j0);
-                    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, f.n - k1, static_cast<int>(w), left,
-                                -1.0, f.At(k1, k0), f.n, f.At(k0, j), f.n, 1.0, f.At(k1, j), f.n);
+                    const int i = k1 + static_cast<int>(r0), j = k1 + static_cast<int>(j0);
+                    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, static_cast<int>(rows),
+                                static_cast<int>(w), left, -1.0, f.At(i, k0), f.n, f.At(k0, j), f.n, 1.0, f.At(i, j),
+                                f.n);
                 },
                 kPieceWork);
         });
