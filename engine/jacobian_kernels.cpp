@@ -265,6 +265,41 @@ void AddRankK(const double* rows, size_t lanes, UINT count, size_t n, double bet
     });
 }
 
+// Rows of this many make a band of the mirror; tiles of this size keep both the rows written and the columns
+// read within the cache.
+constexpr size_t kMirrorTile = 64;
+
+// The rows ib .. iEnd - 1 of a's lower triangle from its upper one, tile by tile.
+void MirrorBand(double* a, size_t n, size_t ib, size_t iEnd) {
+    for (size_t jb = 0; jb <= ib; jb += kMirrorTile) {
+        for (size_t i = ib; i < iEnd; ++i) {
+            const size_t jEnd = std::min(jb + kMirrorTile, i);
+            for (size_t j = jb; j < jEnd; ++j) a[i * n + j] = a[j * n + i];
+        }
+    }
+}
+
+// hessian's upper triangle plus those of the other parts, added in their order, then mirrored onto its lower
+// triangle. Bands of rows go to the threads, first for the sums, then for the mirror, which reads the summed
+// rows of other bands; every element is computed the same way wherever its band runs.
+void AddAndMirror(double* hessian, size_t n, const std::vector<const double*>& others, const CCancelToken& cancel) {
+    const UINT bands = static_cast<UINT>((n + kMirrorTile - 1) / kMirrorTile);
+    // Below this many elements (about a tenth of a millisecond of copying) one thread does it all.
+    constexpr double kBandThreadElements = 2e5;
+    const UINT workers = double(n) * n >= kBandThreadElements ? static_cast<UINT>(ThreadCount()) : 1;
+    RunParts(bands, workers, [&](UINT band, UINT) {
+        const size_t ib = band * kMirrorTile, iEnd = std::min(ib + kMirrorTile, n);
+        for (const double* h : others)
+            for (size_t i = ib; i < iEnd; ++i)
+                for (size_t j = i; j < n; ++j) hessian[i * n + j] += h[i * n + j];
+    });
+    cancel.ThrowIfAbandoned();
+    RunParts(bands, workers, [&](UINT band, UINT) {
+        const size_t ib = band * kMirrorTile;
+        MirrorBand(hessian, n, ib, std::min(ib + kMirrorTile, n));
+    });
+}
+
 }  // namespace
 
 void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, double* rows, size_t ld,
@@ -343,12 +378,12 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
     for (UINT part = 1; part < parts.count; ++part) {
         const double* g = gradientOf(part);
         for (size_t k = 0; k < n; ++k) gradient[k] += g[k];
-        if (!hessian) continue;
-        const double* h = squareOf(part);
-        for (size_t i = 0; i < n; ++i)
-            for (size_t j = i; j < n; ++j) hessian[i * n + j] += h[i * n + j];
     }
-    if (hessian) MirrorUpperToLower(hessian, n, cancel);
+    if (hessian) {
+        std::vector<const double*> others;
+        for (UINT part = 1; part < parts.count; ++part) others.push_back(squareOf(part));
+        AddAndMirror(hessian, n, others, cancel);
+    }
     return SumInOrder(scratch.blockSums, parts.blocks);
 }
 
@@ -374,17 +409,9 @@ double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelT
 }
 
 void MirrorUpperToLower(double* a, size_t n, const CCancelToken& cancel) {
-    // Tiles keep both the rows written and the columns read within the cache.
-    const size_t tile = 64;
-    for (size_t ib = 0; ib < n; ib += tile) {
+    for (size_t ib = 0; ib < n; ib += kMirrorTile) {
         cancel.ThrowIfAbandoned();
-        const size_t iEnd = std::min(ib + tile, n);
-        for (size_t jb = 0; jb <= ib; jb += tile) {
-            for (size_t i = ib; i < iEnd; ++i) {
-                const size_t jEnd = std::min(jb + tile, i);
-                for (size_t j = jb; j < jEnd; ++j) a[i * n + j] = a[j * n + i];
-            }
-        }
+        MirrorBand(a, n, ib, std::min(ib + kMirrorTile, n));
     }
 }
 
