@@ -49,7 +49,7 @@ namespace {
 // wherever it stands in its block; the lanes past the block's last pattern are computed and ignored.
 size_t Padded(size_t count) { return (count + 3) / 4 * 4; }
 
-// What one half of the patterns works in; sized by the caller before any thread starts, and only ever grown.
+// What one worker computes a block in; sized by the caller before the parts are shared, and only ever grown.
 // Every array holds `lanes` patterns side by side.
 struct CBlockScratch {
     void Reserve(size_t inputs, size_t rowCount, size_t blockPatterns) {
