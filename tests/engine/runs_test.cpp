@@ -185,8 +185,8 @@ CTrainedBits AccumulatedOn(int threads, const CSampleShape& shape) {
 }  // namespace
 
 TEST(Runs, SameNumbersTrainToTheSameBitsOnAnyNumberOfThreads) {
-    // 8200 patterns make eight blocks, so eight parts once the network is worth it (from about 55 units on);
-    // 1201 parameters on 1000 patterns make two parts whose products and factors are worth all the threads.
+    // 8200 patterns make eight blocks, so eight parts; 1201 parameters on 1000 patterns make two parts whose sums
+    // are added in bands of rows, and a factorization whose updates split into strips.
     const CSampleShape parts{8200, 2, 60, engine::kSecondOrder, 3}, wide{1000, 2, 300, engine::kSecondOrder, 4};
     for (const CSampleShape& shape : {parts, wide}) {
         const std::vector<uint64_t> one = Bits(AccumulatedOn(1, shape));
