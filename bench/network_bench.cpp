@@ -6,7 +6,7 @@
 //         Accumulate  cblas_dsyrk of a Jacobian of the same shape, built beforehand
 //         Iteration   that, plus LAPACKE dgetrf + dgetrs of the damped matrix (copied first, as every try does)
 // Fast's Iteration is the damped step of the run itself: one accumulation and one try (factor, solve, step,
-// forward pass). After the usual table, a second one gives the ratios Fast / Blas and One / Fast.
+// forward pass). Factor times FactorLU alone on a damped quasi-Hessian against LAPACKE dgetrf. After the usual table, a second one gives the ratios Fast / Blas and One / Fast.
 //
 // Run: build/bench/vantrel_bench   (a few minutes; --benchmark_filter=Iteration etc. for a part)
 #include <benchmark/benchmark.h>
@@ -14,6 +14,7 @@
 #include <lapacke.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <string>
 #include <vector>
@@ -125,6 +126,49 @@ void BM_Iteration_Blas(benchmark::State& state) {
     }
 }
 
+// ---- the factorization alone ------------------------------------------------------------------------------
+
+// A damped quasi-Hessian of the sample (its first try's matrix), copied back before every round: FactorLU
+// against LAPACK's dgetrf on the same matrix, which pivots by magnitude alone.
+struct CDampedMatrix {
+    explicit CDampedMatrix(const benchmark::State& state) {
+        CNetworkBuffers net;
+        MakeSample(net, {1000, kInputs, UnitsForParams(static_cast<UINT>(state.range(0)), kInputs), 0,
+                         static_cast<UINT>(state.range(0))});
+        net.Accumulate(false, true);
+        n = static_cast<int>(net.Step().nParams);
+        matrix.assign(net.Step().pHessian, net.Step().pHessian + static_cast<size_t>(n) * n);
+        for (int k = 0; k < n; ++k) matrix[static_cast<size_t>(k) * n + k] += kTryDamping;
+        factors = matrix;
+    }
+    int n;
+    std::vector<double> matrix, factors;
+};
+
+void Factor(benchmark::State& state, int cores) {
+    CDampedMatrix m(state);
+    std::vector<int> indx(m.n);
+    CBenchCores use(cores);
+    for (auto _ : state) {
+        std::copy(m.matrix.begin(), m.matrix.end(), m.factors.begin());
+        engine::kernels::FactorLU(m.factors.data(), m.n, indx.data(), engine::CCancelToken::Never());
+        benchmark::DoNotOptimize(m.factors.data());
+    }
+}
+
+void BM_Factor_Fast(benchmark::State& state) { Factor(state, 0); }
+void BM_Factor_One(benchmark::State& state) { Factor(state, 1); }
+
+void BM_Factor_Blas(benchmark::State& state) {
+    CDampedMatrix m(state);
+    std::vector<lapack_int> ipiv(m.n);
+    for (auto _ : state) {
+        std::copy(m.matrix.begin(), m.matrix.end(), m.factors.begin());
+        LAPACKE_dgetrf_work(LAPACK_COL_MAJOR, m.n, m.n, m.factors.data(), m.n, ipiv.data());
+        benchmark::DoNotOptimize(m.factors.data());
+    }
+}
+
 // ---- shapes and order ---------------------------------------------------------------------------------------
 
 using BenchmarkFunction = void (*)(benchmark::State&);
@@ -134,24 +178,33 @@ struct Variant {
     BenchmarkFunction function;
 };
 
+// Each is repeated and the median kept.
+void Register(const std::string& name, BenchmarkFunction function, const std::vector<int64_t>& shape) {
+    benchmark::RegisterBenchmark(name.c_str(), function)
+        ->Args(shape)
+        ->Unit(benchmark::kMillisecond)
+        ->UseRealTime()
+        ->MinTime(0.3)
+        ->Repetitions(3)
+        ->ReportAggregatesOnly(true);
+}
+
 // The variants of one shape run back to back, so that a change in the load of the shared machine touches
-// them alike; each is repeated and the median kept.
+// them alike.
 template <size_t Count>
 void RegisterWork(const char* work, const Variant (&variants)[Count]) {
-    for (int params : {101, 401, 1201}) {
-        for (int patterns : {1000, 10000}) {
-            for (const Variant& variant : variants) {
-                const std::string name = std::string("BM_") + work + "_" + variant.name;
-                benchmark::RegisterBenchmark(name.c_str(), variant.function)
-                    ->Args({params, patterns})
-                    ->Unit(benchmark::kMillisecond)
-                    ->UseRealTime()
-                    ->MinTime(0.3)
-                    ->Repetitions(3)
-                    ->ReportAggregatesOnly(true);
-            }
-        }
-    }
+    for (int params : {101, 401, 1201})
+        for (int patterns : {1000, 10000})
+            for (const Variant& variant : variants)
+                Register(std::string("BM_") + work + "_" + variant.name, variant.function, {params, patterns});
+}
+
+// The factorization at the iteration's sizes and at one larger, where the updates split into strips.
+void RegisterFactorBenchmarks() {
+    for (int params : {401, 1201, 2001})
+        for (const Variant& variant : {Variant{"Fast", BM_Factor_Fast}, Variant{"One", BM_Factor_One},
+                                       Variant{"Blas", BM_Factor_Blas}})
+            Register(std::string("BM_Factor_") + variant.name, variant.function, {params});
 }
 
 }  // namespace
@@ -160,4 +213,5 @@ void RegisterNetworkBenchmarks() {
     RegisterWork("Accumulate",
                  {{"Fast", BM_Accumulate_Fast}, {"One", BM_Accumulate_One}, {"Blas", BM_Accumulate_Blas}});
     RegisterWork("Iteration", {{"Fast", BM_Iteration_Fast}, {"One", BM_Iteration_One}, {"Blas", BM_Iteration_Blas}});
+    RegisterFactorBenchmarks();
 }
