@@ -12,17 +12,9 @@
 #include <cblas.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
-#include <condition_variable>
 #include <cstdint>
-#include <cstring>
-#include <functional>
-#include <memory>
-#include <mutex>
 #include <new>
-#include <system_error>
-#include <thread>
 #include <vector>
 
 #include "engine/kernels.h"
