@@ -362,7 +362,7 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
     {
         // Every product on one BLAS thread (see AddRankK); threads that the parts leave over share the strips
         // of their updates instead.
-        CBlasThreads single(0.0);
+        CSingleBlasThread single;
         RunParts(parts.count, workers, sumPart);
     }
     cancel.ThrowIfAbandoned();  // the parts stopped early: what they hold is incomplete

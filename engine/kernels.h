@@ -83,14 +83,15 @@ void LimitThreads(int count);
 // the system page by page; once per process, at the first accumulation.
 void KeepFreedBlocks();
 
-// For its lifetime, gives the BLAS as many threads as work of about `flops` operations is worth: one for
-// small products and matrix-vector work, ThreadCount() for large ones. Restores the count it found.
-class CBlasThreads {
+// For its lifetime, keeps the BLAS to one thread, and restores the count it found. The kernels split their
+// products into pieces that the shape fixes and share them among their own threads: the BLAS's threads would
+// split the work by their number, and the sums would then differ from one machine to the next.
+class CSingleBlasThread {
 public:
-    explicit CBlasThreads(double flops);
-    ~CBlasThreads();
-    CBlasThreads(const CBlasThreads&) = delete;
-    CBlasThreads& operator=(const CBlasThreads&) = delete;
+    CSingleBlasThread();
+    ~CSingleBlasThread();
+    CSingleBlasThread(const CSingleBlasThread&) = delete;
+    CSingleBlasThread& operator=(const CSingleBlasThread&) = delete;
 
 private:
     int m_previous;

@@ -192,14 +192,14 @@ void FactorPanel(Factorization& f, int k0, int width) {
 void FactorLU(double* a, int n, int* indx, const CCancelToken& cancel) {
     if (n <= 0) return;
     Factorization f{a, n, indx, std::vector<double>(n), {}, cancel};
-    CBlasThreads single(0.0);  // every product on one BLAS thread, the strips on the threads (FactorPanel)
+    CSingleBlasThread single;  // every product on one BLAS thread, the strips on the threads (FactorPanel)
     ScaleRows(f);
     FactorPanel(f, 0, n);
 }
 
 void SolveWithFactors(const double* lu, int n, const int* indx, const double* b, double* x) {
     if (n <= 0) return;
-    CBlasThreads single(0.0);  // two passes over the factors: memory-bound, one thread reads as fast as two
+    CSingleBlasThread single;  // two passes over the factors: memory-bound, one thread reads as fast as two
     std::copy(b, b + n, x);
     for (int k = 0; k < n; ++k)
         if (indx[k] != k) std::swap(x[k], x[indx[k]]);

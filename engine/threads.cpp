@@ -1,4 +1,4 @@
-// How the kernels use the machine: the cores, the BLAS's thread count for each piece of work, and the
+// How the kernels use the machine: the cores, the BLAS kept to one thread while they run, and the
 // allocator's keeping of freed blocks.
 #include <cblas.h>
 #include <malloc.h>
@@ -47,14 +47,9 @@ void KeepFreedBlocks() {
     });
 }
 
-CBlasThreads::CBlasThreads(double flops) : m_previous(openblas_get_num_threads()) {
-    // Below this much work (some milliseconds on one core) a second BLAS thread costs more in waking and
-    // waiting than it saves; on a machine whose cores are busy with other work, far more so.
-    constexpr double kParallelFlops = 1.0e8;
-    openblas_set_num_threads(flops >= kParallelFlops ? ThreadCount() : 1);
-}
+CSingleBlasThread::CSingleBlasThread() : m_previous(openblas_get_num_threads()) { openblas_set_num_threads(1); }
 
-CBlasThreads::~CBlasThreads() { openblas_set_num_threads(m_previous); }
+CSingleBlasThread::~CSingleBlasThread() { openblas_set_num_threads(m_previous); }
 
 }  // namespace kernels
 }  // namespace engine
