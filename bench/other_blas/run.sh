@@ -10,13 +10,8 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 lib=/usr/lib/x86_64-linux-gnu
 g++ -O2 kernels.cpp -o "$work/kernels" -L"$lib/openblas-pthread" -l:libblas.so.3
-flags=$(grep -m1 '^flags' /proc/cpuinfo)
-family=
-if [[ $flags == *avx512f* && $flags == *avx512dq* && $flags == *avx512bw* && $flags == *avx512vl* ]]; then
-  family=SkylakeX
-elif [[ $flags == *avx2* && $flags == *fma* ]]; then
-  family=Haswell
-fi
+# The family the program would choose: numpy_lm.py's reading of the processor's features.
+family=$(cd .. && /usr/bin/python3 -c 'from numpy_lm import best_kernel_family; print(best_kernel_family() or "")')
 for impl in openblas-pthread blis-pthread atlas; do
   [ -e "$lib/$impl/libblas.so.3" ] || { echo "== $impl: not installed"; continue; }
   for threads in 1 2; do
