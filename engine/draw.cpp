@@ -14,7 +14,8 @@ int CSeededRand::Next() { return std::rand(); }
 namespace {
 
 struct CDraw {
-    const CPatterns& patterns;
+    CPatternSource& patterns;
+    UINT nPatterns;
     const CNetwork& net;
     const CNetwork& initial;
     CRandomSource& random;
@@ -27,17 +28,20 @@ struct CDraw {
         return (b - a) * f + a;
     }
 
-    UINT Pattern() { return static_cast<UINT>(random.Next()) % patterns.nPatterns; }
+    UINT Pattern() { return static_cast<UINT>(random.Next()) % nPatterns; }
 
     void SetCenter(size_t at, double v) {
         net.pCenters[at] = v;
         initial.pCenters[at] = v;
     }
 
-    void CopyRow(UINT unit, UINT pattern) {
+    // Unit h's center is row `pattern` of the patterns, for every unit at once: the rows are asked for once,
+    // after every number is drawn, since a source may have to fetch them from afar.
+    void CopyRows(const std::vector<UINT>& pickedRows) {
         const size_t n = net.nInputs;
-        const double* row = patterns.pInputs + pattern * n;
-        for (size_t d = 0; d < n; ++d) SetCenter(unit * n + d, row[d]);
+        std::vector<double> rows(pickedRows.size() * n);
+        patterns.PatternInputs(pickedRows.data(), static_cast<UINT>(pickedRows.size()), rows.data());
+        for (size_t at = 0; at < rows.size(); ++at) SetCenter(at, rows[at]);
     }
 };
 
@@ -54,23 +58,17 @@ void FillGroup(CDraw& draw, double* values, double* initial, size_t count, const
 // Each center element drawn within the range of its input over all patterns.
 void CentersFromInputRange(CDraw& draw) {
     const UINT n = draw.net.nInputs;
-    const double* inputs = draw.patterns.pInputs;
-    std::vector<double> lo(inputs, inputs + n);
-    std::vector<double> hi(lo);
-    for (UINT p = 0; p < draw.patterns.nPatterns; ++p) {
-        for (UINT d = 0; d < n; ++d) {
-            const double v = inputs[static_cast<size_t>(p) * n + d];
-            if (v > hi[d]) hi[d] = v;
-            if (v < lo[d]) lo[d] = v;
-        }
-    }
+    std::vector<double> lo(n), hi(n);
+    draw.patterns.InputRange(lo.data(), hi.data());
     for (UINT h = 0; h < draw.net.nUnits; ++h)
         for (UINT d = 0; d < n; ++d) draw.SetCenter(static_cast<size_t>(h) * n + d, draw.Between(lo[d], hi[d]));
 }
 
 // A random pattern row per unit; two units may share one.
 void CentersFromPatterns(CDraw& draw) {
-    for (UINT h = 0; h < draw.net.nUnits; ++h) draw.CopyRow(h, draw.Pattern());
+    std::vector<UINT> picked(draw.net.nUnits);
+    for (UINT& row : picked) row = draw.Pattern();
+    draw.CopyRows(picked);
 }
 
 // A random pattern row per unit, each row at most once.
@@ -84,7 +82,7 @@ void CentersFromPatternsUnique(CDraw& draw) {
         // Once every row is taken, no fresh row exists and the search would never end. The Initialization
         // dialog refuses more units than patterns in this mode, so this only guards a stale count: the rest
         // of the units then take rows with repetition.
-        const bool fresh = h < draw.patterns.nPatterns;
+        const bool fresh = h < draw.nPatterns;
         for (UINT k = 0; fresh && k < units && used[k] != kNoEntry;) {
             if (used[k] == q) {
                 q = draw.Pattern();
@@ -94,15 +92,15 @@ void CentersFromPatternsUnique(CDraw& draw) {
             }
         }
         used[h] = q;
-        draw.CopyRow(h, q);
     }
+    draw.CopyRows(used);
 }
 
 }  // namespace
 
-void DrawNetwork(const CInitSettings& settings, const CPatterns& patterns, const CNetwork& net,
+void DrawNetwork(const CInitSettings& settings, CPatternSource& patterns, const CNetwork& net,
                  const CNetwork& initial, CRandomSource& random, const CCancelToken& cancel) {
-    CDraw draw{patterns, net, initial, random, cancel};
+    CDraw draw{patterns, patterns.Patterns(), net, initial, random, cancel};
     const size_t u = net.nUnits;
     FillGroup(draw, net.pInputWeights, initial.pInputWeights, u * net.nInputs, settings.inputWeights);
     FillGroup(draw, net.pOutputWeights, initial.pOutputWeights, (u + 1) * net.nOutputs, settings.outputWeights);
@@ -110,7 +108,7 @@ void DrawNetwork(const CInitSettings& settings, const CPatterns& patterns, const
 
     // With no pattern there is no row to pick and no range to search: the centers stay at 0.0 and no random
     // number is taken for them.
-    if (patterns.nPatterns == 0) {
+    if (draw.nPatterns == 0) {
         const size_t count = u * net.nInputs;
         if (count > 0) {
             std::memset(net.pCenters, 0, sizeof(double) * count);
@@ -124,6 +122,12 @@ void DrawNetwork(const CInitSettings& settings, const CPatterns& patterns, const
         CentersFromPatterns(draw);
     else
         CentersFromPatternsUnique(draw);
+}
+
+void DrawNetwork(const CInitSettings& settings, const CPatterns& patterns, const CNetwork& net,
+                 const CNetwork& initial, CRandomSource& random, const CCancelToken& cancel) {
+    CPatternArrays source(patterns);
+    DrawNetwork(settings, source, net, initial, random, cancel);
 }
 
 }  // namespace engine

@@ -5,6 +5,7 @@
 
 #include "engine/cancel.h"
 #include "engine/network.h"
+#include "engine/patternsource.h"
 
 namespace engine {
 
@@ -47,6 +48,9 @@ struct CInitSettings {
 // same shape that keeps the draw. Requires: patterns has the network's inputs; with kCentersFromPatternsUnique
 // a count of units above the patterns takes the rest of the rows with repetition instead of searching for
 // ever. Throws CCancelled when cancel is abandoned during the long search for unique rows.
+void DrawNetwork(const CInitSettings& settings, CPatternSource& patterns, const CNetwork& net,
+                 const CNetwork& initial, CRandomSource& random, const CCancelToken& cancel);
+// The same on patterns in the caller's arrays.
 void DrawNetwork(const CInitSettings& settings, const CPatterns& patterns, const CNetwork& net,
                  const CNetwork& initial, CRandomSource& random, const CCancelToken& cancel);
 

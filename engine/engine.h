@@ -10,7 +10,11 @@
 //   matrix.h    the decomposition's rules: the TINY pivot and the singular-matrix exception
 //   draw.h      the draw of a new network from a random source passed in
 //   trainee.h   the network under training as the runs drive it (an interface)
-//   buffers.h   the engine's own trainee, owning its arrays in vectors
+//   policy.h    the one network policy over a store of arrays and a pattern source: packing, the damped
+//               solve, reset, a unit at the worst pattern, the draw
+//   patternsource.h  what the policy needs of the patterns (sums, the worst pattern, a few rows), and the
+//               patterns of this process
+//   buffers.h   the engine's own store and patterns in vectors, and its trainee over them
 //   settings.h  what a run reads (settings) and what it reports (progress sink)
 //   cancel.h    the cancel token: a stop at the next iteration, or an abandon of the work under way
 //   runs.h      the runs of the five algorithms and their steps

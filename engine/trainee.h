@@ -1,5 +1,6 @@
-// The network under training, as the runs of runs.h drive it: an interface, so that the same loops train the
-// window's workspace (its heap blocks) and the engine's own buffers (buffers.h).
+// The network under training, as the runs of runs.h drive it: an interface, whose one real implementation is
+// the network policy of policy.h (over the window's blocks, the engine's buffers or a cluster's patterns);
+// tests script others.
 //
 // Contract of every implementation: the operations keep the meaning of the workspace members of the same
 // names. PackParameters sizes the parameter vector and the step for the network and algorithm as they stand,

@@ -17,25 +17,6 @@ void WriteNumber(CVantrelDlg& dlg, int id, const char* format, double value) {
     SetItemText(dlg, id, text);
 }
 
-engine::CStepArrays CWorkspaceTrainee::Step() {
-    return engine::CStepArrays{m_dlg.m_pParams, m_dlg.m_pDelta, m_dlg.m_pGradient, m_dlg.m_pHessian,
-                               m_dlg.m_nParams};
-}
-
-void CWorkspaceTrainee::Accumulate(bool improved, bool secondOrder) {
-    if (secondOrder) {
-        if (improved) m_dlg.AccumulateImprovedSecondOrder();
-        else m_dlg.AccumulateSecondOrder();
-    } else {
-        if (improved) m_dlg.AccumulateImprovedGradient();
-        else m_dlg.AccumulateGradient();
-    }
-}
-
-double CWorkspaceTrainee::AccumulateGradientAndError(bool improved) {
-    return ::AccumulateGradientAndError(m_dlg, improved);
-}
-
 UINT CWorkspaceSettings::Iterations() const { return AfxReadShared(m_dlg.m_nIterations); }
 
 double CWorkspaceSettings::DesiredError() const { return AfxReadShared(m_dlg.m_dDesiredError); }
@@ -61,6 +42,12 @@ void CWindowSink::IterationDone(UINT iteration, double error) {
     text.Format("%d", static_cast<int>(iteration));
     SetItemText(m_dlg, IDC_CURRENT_ITERATIONS, text);
     WriteNumber(m_dlg, IDC_CURRENT_PARTIAL_ERROR, "%.12f", error);
+}
+
+void CWindowSink::UnitAdded(UINT units) {
+    CString text;
+    text.Format("%d", static_cast<int>(units));
+    SetItemText(m_dlg, IDC_CURRENT_RBF_UNITS, text);
 }
 
 void CWindowSink::TimesDone(double seconds, double runSeconds) {

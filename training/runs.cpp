@@ -17,7 +17,7 @@ private:
 
 UINT TrainFixedSize(void* pParam, engine::Algorithm algorithm) {
     CVantrelDlg& dlg = *static_cast<CVantrelDlg*>(pParam);
-    training::CWorkspaceTrainee trainee(dlg);
+    CWorkspaceTrainee trainee(dlg);
     const CSettingsOf settings(dlg, algorithm);
     training::CWindowSink sink(dlg, false);
     return training::EndRun(dlg, engine::RunFixedSize(trainee, settings, sink, dlg.m_cancel));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/runs.h"
+#include "workspace/trainee.h"
 #include "workspace/workspace.h"
 
 namespace training {
@@ -16,29 +17,6 @@ namespace training {
 void SetItemText(CVantrelDlg& dlg, int id, const CString& text);
 void EnableItems(CVantrelDlg& dlg, ControlList ids, BOOL enable = TRUE);
 void WriteNumber(CVantrelDlg& dlg, int id, const char* format, double value);
-
-// The workspace's network, patterns and training blocks, through its members of the same names.
-class CWorkspaceTrainee : public engine::CTrainee {
-public:
-    explicit CWorkspaceTrainee(CVantrelDlg& dlg) : m_dlg(dlg) {}
-    UINT Patterns() const override { return m_dlg.m_nPatterns; }
-    UINT Inputs() const override { return m_dlg.m_nInputs; }
-    UINT Units() const override { return m_dlg.m_nUnits; }
-    engine::CStepArrays Step() override;
-    void InitializeNetwork() override { m_dlg.InitializeNetwork(); }
-    void PackParameters() override { m_dlg.PackParameters(); }
-    void UnpackParameters() override { m_dlg.UnpackParameters(); }
-    double ComputeError() override { return m_dlg.ComputeError(); }
-    double ComputeOutputs() override { return m_dlg.ComputeOutputs(); }
-    void Accumulate(bool improved, bool secondOrder) override;
-    double AccumulateGradientAndError(bool improved) override;
-    void SolveHessian(double* x) override { m_dlg.SolveHessian(x); }
-    void ResetNetwork() override { m_dlg.ResetNetwork(); }
-    void AddUnitAtWorstPattern() override { m_dlg.AddUnitAtWorstPattern(); }
-
-private:
-    CVantrelDlg& m_dlg;
-};
 
 // The workspace's settings, read at each use: the edits of iterations, desired error and trials stay live
 // during a run.
@@ -59,7 +37,7 @@ private:
     const CVantrelDlg& m_dlg;
 };
 
-// What a run shows: read-outs 1024 to 1028, the iteration and summary plots, the data plot's decision
+// What a run shows: read-outs 1024 to 1028 and the units read-out, the iteration and summary plots, the data plot's decision
 // regions for a classification set, and the result file. The Error Correction Algorithm draws its curves in
 // its own modes and writes its own blocks.
 class CWindowSink : public engine::CProgressSink {
@@ -67,6 +45,7 @@ public:
     CWindowSink(CVantrelDlg& dlg, bool errorCorrection) : m_dlg(dlg), m_errorCorrection(errorCorrection) {}
     bool CreateResultFile() override;
     void IterationDone(UINT iteration, double error) override;
+    void UnitAdded(UINT units) override;
     void TimesDone(double seconds, double runSeconds) override;
     void IterationCurve(const std::vector<double>& errors) override;
     void NetworkDone() override;

@@ -20,7 +20,3 @@ engine::CInitSettings InitSettingsOf(const CInitializationDlg& dlg);
 
 // The network's output for one input vector of m_nInputs values. Not part of a run: nothing cancels it.
 double NetworkOutput(const CVantrelDlg& dlg, const double* x);
-
-// AccumulateGradient (improved: AccumulateImprovedGradient) that also returns the average sum square error of
-// the same network, equal to what ComputeError gives: one pass computes each unit activation once for both.
-double AccumulateGradientAndError(CVantrelDlg& dlg, bool improved);

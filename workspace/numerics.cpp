@@ -1,14 +1,12 @@
-// The workspace's network members: each sizes the workspace's blocks where it must, then hands them to the
-// engine on the run's cancel token.
+// The workspace's network members: thin calls of the engine's network policy on the workspace's blocks
+// (trainee.h), which sizes them where it must and runs on the run's cancel token.
 #include <algorithm>
-#include <climits>
-#include <new>
-#include <vector>
 
 #include "engine/kernels.h"
 #include "platform/clock.h"
 #include "workspace/blocks.h"
 #include "workspace/network.h"
+#include "workspace/trainee.h"
 #include "workspace/workspace.h"
 
 engine::CNetwork NetworkOf(const CVantrelDlg& dlg) {
@@ -47,23 +45,85 @@ double NetworkOutput(const CVantrelDlg& dlg, const double* x) {
     return engine::NetworkOutput(NetworkOf(dlg), x, dlg.m_nInputs, engine::CCancelToken::Never());
 }
 
-void CVantrelDlg::PackParameters() {
-    // The vector's length is a count: a network whose parameters it can't count is refused before any block.
-    const bool improved = engine::IsImprovedAlgorithm(m_nAlgorithm);
-    if (engine::ParameterCount(m_nUnits, m_nInputs, m_nOutputs, improved) > UINT_MAX) throw std::bad_alloc();
-    const engine::CParamLayout layout = LayoutOf(*this);
-    CBlockCounts counts = CountsOf(*this);
-    counts.params = layout.Count();
-    ReplaceBlocks(*this, {Block::Params, Block::Delta}, counts);
-    m_nParams = layout.Count();
-    engine::PackParameters(layout, NetworkOf(*this), m_pParams);
+// ---- the workspace as the policy's store and source -------------------------------------------------------
+
+engine::Algorithm CWorkspaceStore::GetAlgorithm() { return static_cast<engine::Algorithm>(m_dlg.m_nAlgorithm); }
+
+engine::CNetwork CWorkspaceStore::Network() { return NetworkOf(m_dlg); }
+
+engine::CNetwork CWorkspaceStore::InitialNetwork() { return InitialNetworkOf(m_dlg); }
+
+engine::CStepArrays CWorkspaceStore::Step() {
+    return engine::CStepArrays{m_dlg.m_pParams, m_dlg.m_pDelta, m_dlg.m_pGradient, m_dlg.m_pHessian,
+                               m_dlg.m_nParams};
 }
 
-void CVantrelDlg::UnpackParameters() { engine::UnpackParameters(LayoutOf(*this), m_pParams, NetworkOf(*this)); }
+void CWorkspaceStore::SizeParameters(UINT nParams) {
+    CBlockCounts counts = CountsOf(m_dlg);
+    counts.params = nParams;
+    ReplaceBlocks(m_dlg, {Block::Params, Block::Delta}, counts);
+    m_dlg.m_nParams = nParams;
+}
 
-double CVantrelDlg::ComputeError() { return engine::AverageError(ViewOf(*this, false), nullptr, m_cancel); }
+double* CWorkspaceStore::SizeDerivatives(bool secondOrder) {
+    // The accumulation writes every element of the gradient and the quasi-Hessian, and uses m_pHessianInv as
+    // its spare storage on the way: blocks that have their size already are kept from one iteration to the
+    // next, neither taken anew nor cleared.
+    if (!secondOrder) {
+        FitBlocks(m_dlg, {Block::Gradient}, CountsOf(m_dlg));
+        return nullptr;
+    }
+    FitBlocks(m_dlg, {Block::Gradient, Block::Hessian, Block::HessianInv}, CountsOf(m_dlg));
+    return m_dlg.m_pHessianInv;
+}
 
-double CVantrelDlg::ComputeOutputs() { return engine::AverageError(ViewOf(*this, false), m_pOutputs, m_cancel); }
+int* CWorkspaceStore::Pivots(UINT n) {
+    m_indx.resize(n);
+    return m_indx.data();
+}
+
+void CWorkspaceStore::SetNoUnits() {
+    // The blocks are replaced whole, so a failed allocation leaves the old network as it was.
+    CBlockCounts counts = CountsOf(m_dlg);
+    counts.units = 0;
+    ReplaceBlocks(m_dlg, {Block::InputWeights, Block::OutputWeights, Block::Widths, Block::Centers, Block::Outputs},
+                  counts);
+    m_dlg.m_nUnits = 0;
+    m_dlg.m_nNetworkInputs = m_dlg.m_nInputs;
+    m_dlg.m_nNetworkPatterns = m_dlg.m_nPatterns;
+}
+
+void CWorkspaceStore::AddUnit() {
+    CBlockCounts counts = CountsOf(m_dlg);
+    counts.units = m_dlg.m_nUnits + size_t(1);
+    GrowBlocks(m_dlg, {Block::InputWeights, Block::OutputWeights, Block::Widths, Block::Centers}, counts);
+    m_dlg.m_nUnits = m_dlg.m_nUnits + 1;
+}
+
+const engine::CInitSettings& CWorkspaceStore::InitSettings() {
+    m_init = InitSettingsOf(m_dlg.m_dlgInitialization);
+    return m_init;
+}
+
+engine::CRandomSource& CWorkspaceStore::NewDraw() {
+    // Every draw starts from the tick of its own moment, so trials drawn one after another differ.
+    return m_random.emplace(GetTickCount());
+}
+
+engine::CLocalPatterns::CArrays CWorkspacePatterns::Arrays() { return CArrays{PatternsOf(m_dlg), m_dlg.m_pOutputs}; }
+
+CWorkspaceTrainee::CWorkspaceTrainee(CVantrelDlg& dlg)
+    : CNetworkPolicy(m_store, m_patterns, dlg.m_cancel), m_store(dlg), m_patterns(dlg) {}
+
+// ---- the members ----------------------------------------------------------------------------------------------
+
+void CVantrelDlg::PackParameters() { CWorkspaceTrainee(*this).PackParameters(); }
+
+void CVantrelDlg::UnpackParameters() { CWorkspaceTrainee(*this).UnpackParameters(); }
+
+double CVantrelDlg::ComputeError() { return CWorkspaceTrainee(*this).ComputeError(); }
+
+double CVantrelDlg::ComputeOutputs() { return CWorkspaceTrainee(*this).ComputeOutputs(); }
 
 double CVantrelDlg::EvaluatePoint(double x, double y) {
     const double point[2] = {x, y};
@@ -71,72 +131,22 @@ double CVantrelDlg::EvaluatePoint(double x, double y) {
     return engine::NetworkOutput(NetworkOf(*this), point, std::min<UINT>(m_nInputs, 2), m_cancel);
 }
 
-UINT CVantrelDlg::FindWorstPattern() { return engine::FindWorstPattern(m_pTargets, m_pOutputs, m_nPatterns); }
+UINT CVantrelDlg::FindWorstPattern() { return CWorkspaceTrainee(*this).WorstPattern(); }
 
-namespace {
+void CVantrelDlg::AccumulateSecondOrder() { CWorkspaceTrainee(*this).Accumulate(false, true); }
 
-double Accumulate(CVantrelDlg& dlg, bool improved, bool secondOrder) {
-    // The kernel writes every element of the gradient and the quasi-Hessian, and uses m_pHessianInv as its
-    // spare storage on the way: blocks that have their size already are kept from one iteration to the next,
-    // neither taken anew nor cleared.
-    if (secondOrder)
-        FitBlocks(dlg, {Block::Gradient, Block::Hessian, Block::HessianInv}, CountsOf(dlg));
-    else
-        FitBlocks(dlg, {Block::Gradient}, CountsOf(dlg));
-    return engine::kernels::AccumulateDerivatives(ViewOf(dlg, improved), dlg.m_nParams,
-                                                  secondOrder ? dlg.m_pHessian : nullptr, dlg.m_pGradient,
-                                                  secondOrder ? dlg.m_pHessianInv : nullptr, dlg.m_cancel);
-}
+void CVantrelDlg::AccumulateImprovedSecondOrder() { CWorkspaceTrainee(*this).Accumulate(true, true); }
 
-}  // namespace
+void CVantrelDlg::AccumulateGradient() { CWorkspaceTrainee(*this).Accumulate(false, false); }
 
-void CVantrelDlg::AccumulateSecondOrder() { Accumulate(*this, false, true); }
+void CVantrelDlg::AccumulateImprovedGradient() { CWorkspaceTrainee(*this).Accumulate(true, false); }
 
-void CVantrelDlg::AccumulateImprovedSecondOrder() { Accumulate(*this, true, true); }
-
-void CVantrelDlg::AccumulateGradient() { Accumulate(*this, false, false); }
-
-void CVantrelDlg::AccumulateImprovedGradient() { Accumulate(*this, true, false); }
-
-double AccumulateGradientAndError(CVantrelDlg& dlg, bool improved) {
-    return Accumulate(dlg, improved, false) / static_cast<double>(dlg.m_nPatterns);
-}
-
-void CVantrelDlg::InitializeNetwork() {
-    engine::CSeededRand random(GetTickCount());
-    engine::DrawNetwork(InitSettingsOf(m_dlgInitialization), PatternsOf(*this), NetworkOf(*this),
-                        InitialNetworkOf(*this), random, m_cancel);
-}
+void CVantrelDlg::InitializeNetwork() { CWorkspaceTrainee(*this).InitializeNetwork(); }
 
 void CVantrelDlg::LUdcmp(double* a, int n, int* indx) { engine::kernels::FactorLU(a, n, indx, m_cancel); }
 
-void CVantrelDlg::SolveHessian(double* x) {
-    const int n = static_cast<int>(m_nParams);
-    std::vector<int> indx(n);
-    LUdcmp(m_pHessian, n, indx.data());
-    engine::kernels::SolveWithFactors(m_pHessian, n, indx.data(), m_pGradient, x);
-}
+void CVantrelDlg::SolveHessian(double* x) { CWorkspaceTrainee(*this).SolveHessian(x); }
 
-void CVantrelDlg::ResetNetwork() {
-    // The blocks are replaced whole, so a failed allocation leaves the old network as it was.
-    CBlockCounts counts = CountsOf(*this);
-    counts.units = 0;
-    ReplaceBlocks(*this, {Block::InputWeights, Block::OutputWeights, Block::Widths, Block::Centers, Block::Outputs},
-                  counts);
-    std::fill(m_pOutputWeights, m_pOutputWeights + m_nOutputs, 1.0);
-    m_nUnits = 0;
-    m_nNetworkInputs = m_nInputs;
-    m_nNetworkPatterns = m_nPatterns;
-}
+void CVantrelDlg::ResetNetwork() { CWorkspaceTrainee(*this).ResetNetwork(); }
 
-void CVantrelDlg::AddUnitAtWorstPattern() {
-    const UINT worst = FindWorstPattern();
-    CBlockCounts counts = CountsOf(*this);
-    counts.units = m_nUnits + size_t(1);
-    GrowBlocks(*this, {Block::InputWeights, Block::OutputWeights, Block::Widths, Block::Centers}, counts);
-    m_nUnits = m_nUnits + 1;
-    engine::PlaceUnitAt(NetworkOf(*this), m_nUnits - 1, m_pInputs + size_t(worst) * m_nInputs);
-    CString text;
-    text.Format("%d", static_cast<int>(m_nUnits));
-    GetDlgItem(IDC_CURRENT_RBF_UNITS)->SetWindowText(text);
-}
+void CVantrelDlg::AddUnitAtWorstPattern() { CWorkspaceTrainee(*this).AddUnitAtWorstPattern(); }

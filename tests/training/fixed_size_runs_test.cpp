@@ -16,7 +16,7 @@ namespace {
 
 // The workspace as a first-order run trains it, but each iteration's error is scripted, and the script may
 // act between iterations as the window would.
-class CScriptedTrainee : public training::CWorkspaceTrainee {
+class CScriptedTrainee : public CWorkspaceTrainee {
 public:
     CScriptedTrainee(CVantrelDlg& dlg, std::function<double(CVantrelDlg&, int)> iterate)
         : CWorkspaceTrainee(dlg), m_dlg(dlg), m_iterate(std::move(iterate)) {}
