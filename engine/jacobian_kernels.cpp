@@ -1,14 +1,14 @@
 // Blocked accumulation of gradient and quasi-Hessian, and the forward pass of the error measure.
 //
-// A block holds BlockPatterns patterns side by side: the inputs transposed, so that each unit's distances,
-// activations and Jacobian entries run over contiguous patterns (vector instructions, one call of ExpArray per
-// unit and block). The Jacobian is kept transposed, one row per parameter, which is the shape the symmetric
-// rank-k update takes without a copy.
+// A block holds the kChunkPatterns patterns of one chunk side by side: the inputs transposed, so that each
+// unit's distances, activations and Jacobian entries run over contiguous patterns (vector instructions, one
+// call of ExpArray per unit and chunk). The Jacobian is kept transposed, one row per parameter, which is the
+// shape the symmetric rank-k update takes without a copy.
 //
-// When the work is worth it the blocks fall into parts, each summed on its own (the second into the caller's
-// spare, the others into the kernel's) and added in their order at the end; the parts go to as many threads as
-// there are cores. The parts follow from the shape alone, and the squares of the errors are added block by
-// block in pattern order, so the results are the same on any number of cores.
+// Every sum over patterns is one fixed tree: each chunk is summed on its own, in pattern order within it, and
+// chunk sums are added pairwise by a binary tree over the chunk indices. The parts that threads take are
+// aligned subtrees of it, and so are the partitions of a cluster, so the sums come out the same on any number
+// of cores and workers.
 #include <cblas.h>
 
 #include <algorithm>
@@ -26,13 +26,6 @@ namespace kernels {
 
 size_t RowWidth(const CNetworkView& net, UINT nParams) {
     return std::max<size_t>(nParams, net.layout.Count());
-}
-
-UINT BlockPatterns(const CParamLayout& layout, UINT patterns) {
-    const size_t rows = std::max<size_t>(1, layout.Count());
-    const size_t most = std::clamp<size_t>((size_t(1) << 20) / rows, 256, 2048) / 4 * 4;
-    const size_t eighth = (patterns / size_t(8) + 4) / 4 * 4;
-    return static_cast<UINT>(std::min(most, std::max<size_t>(eighth, 512)));
 }
 
 namespace {
@@ -161,47 +154,95 @@ double BlockErrors(const CNetworkView& net, UINT first, UINT count, CBlockScratc
     return sum;
 }
 
-// From this many floating-point operations on (about a tenth of a millisecond) the patterns fall into parts for
-// the kept threads: with threads started anew for each pass the threshold had to be 4e8, and every network of
-// the Error Correction Algorithm ran on one core.
+// From this many floating-point operations on (about a tenth of a millisecond) the chunks fall into parts for
+// the kept threads.
 constexpr double kParallelWork = 1.0e7;
 
-// At most this many parts, and no more spare quasi-Hessians than fit in this many doubles (32 MiB).
+// At most this many parts at a time.
 constexpr UINT kMaxParts = 8;
-constexpr double kSpareDoubles = 4.0 * 1024 * 1024;
 
-// The patterns in blocks of `block`, and the blocks in `count` parts of consecutive blocks, each summed on its
-// own: part 0 into the caller's arrays, the others into spares, added in the order of the parts at the end.
-// Every boundary follows from the shape and the work alone, never from the number of threads, so the sums
-// come out the same on any number of cores.
-struct CParts {
-    UINT blocks, count;
-    UINT FirstBlock(UINT part) const { return static_cast<UINT>(uint64_t(blocks) * part / count); }
+// The chunks of the patterns, and the parts that threads take: aligned runs of `span` chunks, a power of two,
+// so that every part is one subtree of the tree over the chunk indices. Every boundary follows from the shape,
+// the work and the memory alone, never from the number of threads; and since the tree is fixed, not even they
+// change a sum.
+struct CChunkParts {
+    UINT chunks = 0, span = 1, count = 1;
+    UINT FirstChunk(UINT part) const { return part * span; }
+    UINT EndChunk(UINT part) const { return std::min(chunks, (part + 1) * span); }
 };
 
-// work: floating-point operations of the whole pass; squareDoubles: the spare storage one more part takes.
-CParts PartsOf(UINT patterns, UINT block, double work, double squareDoubles) {
-    const UINT blocks = (patterns + block - 1) / block;
-    double most = work >= kParallelWork ? std::min(blocks, kMaxParts) : 1;
-    if (squareDoubles > 0) most = std::min(most, 1.0 + std::floor(kSpareDoubles / squareDoubles));
-    // A power of two, so that two or four threads share the parts evenly.
-    UINT count = 1;
-    while (count * 2 <= most) count *= 2;
-    return CParts{blocks, count};
+UINT ChunksOf(UINT patterns) { return static_cast<UINT>((uint64_t(patterns) + kChunkPatterns - 1) / kChunkPatterns); }
+
+UINT CeilLog2(UINT count) {
+    UINT levels = 0;
+    while ((uint64_t(1) << levels) < count) ++levels;
+    return levels;
+}
+
+// Parts of at least `span` chunks each.
+CChunkParts PartsOf(UINT patterns, double work, UINT span = 1) {
+    CChunkParts parts;
+    parts.chunks = ChunksOf(patterns);
+    const UINT most = work >= kParallelWork ? kMaxParts : 1;
+    parts.span = span;
+    while ((uint64_t(parts.chunks) + parts.span - 1) / parts.span > most) parts.span *= 2;
+    parts.count = std::max<UINT>(1, (parts.chunks + parts.span - 1) / parts.span);
+    return parts;
 }
 
 double ForwardWork(const CNetworkView& net) {
     return static_cast<double>(net.nPatterns) * net.layout.nUnits * (3.0 * net.layout.nInputs + 25.0);
 }
 
+// The sum of count values by the tree: the first half of the next power of two, plus the rest where there is
+// any. Every sum of this file over chunks or parts goes this way.
+double TreeSum(const double* values, UINT count) {
+    struct Node {
+        static double Sum(const double* v, UINT count, UINT lo, UINT size) {
+            if (size == 1) return v[lo];
+            const UINT half = size / 2;
+            if (lo + half >= count) return Sum(v, count, lo, half);
+            return Sum(v, count, lo, half) + Sum(v, count, lo + half, half);
+        }
+    };
+    return count == 0 ? 0.0 : Node::Sum(values, count, 0, UINT(1) << CeilLog2(count));
+}
+
+// The sums of one subtree: a gradient of n and a quasi-Hessian's upper triangle of n x n (or none).
+struct CSums {
+    double* gradient = nullptr;
+    double* hessian = nullptr;
+};
+
+// left += right over the gradient and the upper triangle: the tree's one addition.
+void AddSums(const CSums& left, const CSums& right, size_t n) {
+    for (size_t k = 0; k < n; ++k) left.gradient[k] += right.gradient[k];
+    if (!left.hessian) return;
+    for (size_t i = 0; i < n; ++i) {
+        double* to = left.hessian + i * n;
+        const double* from = right.hessian + i * n;
+        for (size_t j = i; j < n; ++j) to[j] += from[j];
+    }
+}
+
+void CopySums(const CSums& to, const CSums& from, size_t n) {
+    std::copy_n(from.gradient, n, to.gradient);
+    if (!to.hessian) return;
+    for (size_t i = 0; i < n; ++i) std::copy(from.hessian + i * n + i, from.hessian + (i + 1) * n, to.hessian + i * n + i);
+}
+
 // What one worker computes in, kept per calling thread: a fresh block of this size would come from the system
-// page by page on every iteration. Blocks of rows, whatever the number of patterns; a helper's goes with the
-// calling thread's set, not with the helper.
+// page by page on every iteration. A block of rows for one chunk, and the partial sums of the subtree under
+// way, one per level of it.
+struct CWorkerScratch {
+    CBlockScratch block;
+    std::vector<double> levels;  // (n + n x n) per level
+};
+
 struct CPartScratch {
-    std::vector<CBlockScratch> workers = std::vector<CBlockScratch>(kMaxParts);
-    std::vector<double> gradients;  // parts 1 .. count - 1, n each
-    std::vector<double> squares;    // parts 2 .. count - 1, n x n each (part 1 sums into the caller's spare)
-    std::vector<double> blockSums;  // the sum of e * e of every block: a double per 256 patterns or more
+    std::vector<CWorkerScratch> workers = std::vector<CWorkerScratch>(kMaxParts);
+    std::vector<double> parts;      // parts 1 .. count - 1: n each, and from part 2 on n x n each
+    std::vector<double> chunkSums;  // the sum of e * e of every chunk: a double per 512 patterns
 };
 
 CPartScratch& ScratchOfParts() {
@@ -209,12 +250,9 @@ CPartScratch& ScratchOfParts() {
     return scratch;
 }
 
-// The sum of the blocks' sums of e * e, in the order of the blocks.
-double SumInOrder(const std::vector<double>& blockSums, UINT blocks) {
-    double sum = 0.0;
-    for (UINT b = 0; b < blocks; ++b) sum += blockSums[b];
-    return sum;
-}
+// Levels a worker keeps for a subtree of span chunks: one per level below the top, and one for the chunk
+// under way.
+UINT LevelsOf(UINT span) { return span <= 1 ? 0 : CeilLog2(span) + 1; }
 
 // At most this many column strips of one rank-k update side by side; within a strip, pieces of this much work
 // (some tens of milliseconds), each of which packs its rows anew.
@@ -271,25 +309,98 @@ void MirrorBand(double* a, size_t n, size_t ib, size_t iEnd) {
     }
 }
 
-// hessian's upper triangle plus those of the other parts, added in their order, then mirrored onto its lower
+// Adds the parts' sums by the tree over the part indices (aligned subtrees, so this is the tree over the
+// chunks), into part 0: each node adds its right half into its left. add(left, right) does one addition.
+template <class Add>
+UINT CombineParts(UINT lo, UINT size, UINT count, const Add& add) {
+    if (size == 1) return lo;
+    const UINT half = size / 2;
+    const UINT left = CombineParts(lo, half, count, add);
+    if (lo + half >= count) return left;
+    add(left, CombineParts(lo + half, half, count, add));
+    return left;
+}
+
+template <class Add>
+void CombineParts(UINT count, const Add& add) {
+    if (count > 1) CombineParts(0, UINT(1) << CeilLog2(count), count, add);
+}
+
+// The parts' quasi-Hessians (upper triangles) added by the tree into parts[0], then mirrored onto its lower
 // triangle. Bands of rows go to the threads, first for the sums, then for the mirror, which reads the summed
 // rows of other bands; every element is computed the same way wherever its band runs.
-void AddAndMirror(double* hessian, size_t n, const std::vector<const double*>& others, const CCancelToken& cancel) {
+void AddAndMirror(const std::vector<double*>& parts, size_t n, const CCancelToken& cancel) {
+    double* hessian = parts[0];
     const UINT bands = static_cast<UINT>((n + kMirrorTile - 1) / kMirrorTile);
     // Below this many elements (about a tenth of a millisecond of copying) one thread does it all.
     constexpr double kBandThreadElements = 2e5;
     const UINT workers = double(n) * n >= kBandThreadElements ? static_cast<UINT>(ThreadCount()) : 1;
-    RunParts(bands, workers, [&](UINT band, UINT) {
-        const size_t ib = band * kMirrorTile, iEnd = std::min(ib + kMirrorTile, n);
-        for (const double* h : others)
-            for (size_t i = ib; i < iEnd; ++i)
-                for (size_t j = i; j < n; ++j) hessian[i * n + j] += h[i * n + j];
-    });
+    if (parts.size() > 1) {
+        RunParts(bands, workers, [&](UINT band, UINT) {
+            const size_t ib = band * kMirrorTile, iEnd = std::min(ib + kMirrorTile, n);
+            CombineParts(static_cast<UINT>(parts.size()), [&](UINT left, UINT right) {
+                for (size_t i = ib; i < iEnd; ++i)
+                    for (size_t j = i; j < n; ++j) parts[left][i * n + j] += parts[right][i * n + j];
+            });
+        });
+    }
     cancel.ThrowIfAbandoned();
     RunParts(bands, workers, [&](UINT band, UINT) {
         const size_t ib = band * kMirrorTile;
         MirrorBand(hessian, n, ib, std::min(ib + kMirrorTile, n));
     });
+}
+
+// The sums of one chunk into `to`: its Jacobian block, e * J into the gradient, J J^T into the upper triangle
+// (both overwritten), and its sum of e * e in pattern order into chunkSums.
+void SumChunk(const CNetworkView& net, UINT chunk, size_t n, CBlockScratch& s, const CSums& to, UINT strips,
+              double* chunkSums, const CCancelToken& cancel) {
+    const UINT first = chunk * kChunkPatterns, count = std::min(kChunkPatterns, net.nPatterns - first);
+    ForwardBlock(net, first, count, s, true, cancel);
+    chunkSums[chunk] = BlockErrors(net, first, count, s);
+    if (n == 0) return;
+    cblas_dgemv(CblasRowMajor, CblasNoTrans, static_cast<int>(n), static_cast<int>(count), 1.0, s.rows.data(),
+                static_cast<int>(s.lanes), s.e.data(), 1, 0.0, to.gradient, 1);
+    if (to.hessian) AddRankK(s.rows.data(), s.lanes, count, n, 0.0, to.hessian, strips, cancel);
+}
+
+// The sums of the chunks first .. end - 1 (an aligned subtree, or what of one the patterns reach) into `to`,
+// by the tree: each chunk's sums into a free level, and two of the same level added left + right as soon as
+// both are there; what stays at the end is added from the lowest level up.
+void SumSubtree(const CNetworkView& net, UINT first, UINT end, size_t n, CWorkerScratch& w, const CSums& to,
+                UINT strips, double* chunkSums, const CCancelToken& cancel) {
+    if (end - first == 1) return SumChunk(net, first, n, w.block, to, strips, chunkSums, cancel);
+    const size_t square = to.hessian ? n * n : 0, stride = n + square;
+    auto level = [&](UINT k) { return CSums{w.levels.data() + k * stride, to.hessian ? w.levels.data() + k * stride + n : nullptr}; };
+    const UINT depth = LevelsOf(end - first);
+    std::vector<int> held(depth, -1);  // the level buffer that holds a finished subtree of 2^l chunks
+    std::vector<bool> busy(depth, false);
+    auto freeBuffer = [&] {
+        UINT k = 0;
+        while (busy[k]) ++k;
+        busy[k] = true;
+        return k;
+    };
+    for (UINT chunk = first; chunk < end && !cancel.Abandoned(); ++chunk) {
+        UINT right = freeBuffer();
+        SumChunk(net, chunk, n, w.block, level(right), strips, chunkSums, cancel);
+        UINT l = 0;
+        for (; held[l] >= 0; ++l) {
+            const UINT left = static_cast<UINT>(held[l]);
+            AddSums(level(left), level(right), n);
+            busy[right] = false;
+            right = left;
+            held[l] = -1;
+        }
+        held[l] = static_cast<int>(right);
+    }
+    int sum = -1;
+    for (UINT l = 0; l < depth; ++l) {
+        if (held[l] < 0) continue;
+        if (sum >= 0) AddSums(level(static_cast<UINT>(held[l])), level(static_cast<UINT>(sum)), n);
+        sum = held[l];
+    }
+    if (sum >= 0) CopySums(to, level(static_cast<UINT>(sum)), n);
 }
 
 }  // namespace
@@ -298,7 +409,7 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
                             double* errors) {
     CBlockScratch s;
     const size_t rowCount = net.layout.Count();
-    const UINT block = BlockPatterns(net.layout, net.nPatterns);
+    const UINT block = kChunkPatterns;
     s.Reserve(net.layout.nInputs, rowCount, block);
     FillFixedRows(net, rowCount, s);
     for (UINT done = 0; done < count; done += block) {
@@ -314,90 +425,95 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
 double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hessian, double* gradient,
                              double* spare, const CCancelToken& cancel) {
     KeepFreedBlocks();
-    const size_t n = nParams, rowCount = RowWidth(net, nParams);
-    const UINT block = BlockPatterns(net.layout, net.nPatterns);
+    const size_t n = nParams, rowCount = RowWidth(net, nParams), square = hessian ? n * n : 0;
     const double flops = ForwardWork(net) + static_cast<double>(net.nPatterns) * n * ((hessian ? n : 0.0) + 6.0);
-    const CParts parts = PartsOf(net.nPatterns, block, flops, hessian ? double(n) * n : 0.0);
-    const UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
-    // Threads for the strips of one part's updates: those that the parts leave over.
-    const UINT strips = std::max<UINT>(1, static_cast<UINT>(ThreadCount()) / workers);
-    // The workers' rows, the parts' gradients and the spares beyond the caller's, and a BLAS buffer for each
-    // worker's thread, refused before they are taken when they can't fit.
-    const double squares = hessian && parts.count > 2 ? double(parts.count - 2) * n * n : 0.0;
-    if (!DoublesFit(workers * double(rowCount) * Padded(block) + parts.count * double(n) + squares) ||
-        !BlasBuffersFit(static_cast<int>(workers)))
-        throw std::bad_alloc();
-    CPartScratch& scratch = ScratchOfParts();
-    for (UINT w = 0; w < workers; ++w) {
-        scratch.workers[w].Reserve(net.layout.nInputs, rowCount, block);
-        FillFixedRows(net, rowCount, scratch.workers[w]);
+    // The workers' rows and levels, the parts' sums beyond the caller's (part 1's quasi-Hessian goes to the
+    // spare), and a BLAS buffer for each worker's thread, refused before they are taken when they can't fit.
+    // Fewer, longer parts take less: a part holds a level more for each doubling.
+    auto need = [&](const CChunkParts& p, UINT workers) {
+        const double partSquares = p.count > 2 ? double(p.count - 2) * square : 0.0;
+        return workers * (double(rowCount) * Padded(kChunkPatterns) + LevelsOf(p.span) * double(n + square)) +
+               (p.count - 1.0) * n + partSquares;
+    };
+    CChunkParts parts = PartsOf(net.nPatterns, flops);
+    UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
+    while (!DoublesFit(need(parts, workers)) && parts.count > 1) {
+        parts = PartsOf(net.nPatterns, flops, parts.span * 2);
+        workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
     }
-    scratch.gradients.resize(std::max<size_t>(scratch.gradients.size(), (parts.count - 1) * n));
-    if (squares > 0) scratch.squares.resize(std::max<size_t>(scratch.squares.size(), (parts.count - 2) * n * n));
-    scratch.blockSums.assign(parts.blocks, 0.0);
-    auto gradientOf = [&](UINT part) { return part == 0 ? gradient : scratch.gradients.data() + (part - 1) * n; };
-    auto squareOf = [&](UINT part) {
-        return part == 0 ? hessian : part == 1 ? spare : scratch.squares.data() + (part - 2) * n * n;
-    };
+    if (!DoublesFit(need(parts, workers)) || !BlasBuffersFit(static_cast<int>(workers))) throw std::bad_alloc();
+    // Threads for the strips of one chunk's update: those that the parts leave over.
+    const UINT strips = std::max<UINT>(1, static_cast<UINT>(ThreadCount()) / workers);
 
-    auto sumPart = [&](UINT part, UINT worker) {
-        CBlockScratch& s = scratch.workers[worker];
-        double* g = gradientOf(part);
-        std::fill(g, g + n, 0.0);
-        bool written = false;
-        for (UINT b = parts.FirstBlock(part); b < parts.FirstBlock(part + 1) && !cancel.Abandoned(); ++b) {
-            const UINT first = b * block, count = std::min(block, net.nPatterns - first);
-            ForwardBlock(net, first, count, s, true, cancel);
-            scratch.blockSums[b] = BlockErrors(net, first, count, s);
-            if (n == 0) continue;
-            cblas_dgemv(CblasRowMajor, CblasNoTrans, static_cast<int>(n), static_cast<int>(count), 1.0,
-                        s.rows.data(), static_cast<int>(s.lanes), s.e.data(), 1, 1.0, g, 1);
-            // The first block of a part overwrites (beta 0): no triangle needs clearing beforehand.
-            if (hessian)
-                AddRankK(s.rows.data(), s.lanes, count, n, written ? 1.0 : 0.0, squareOf(part), strips, cancel);
-            written = true;
-        }
-        if (!written && hessian) std::fill(squareOf(part), squareOf(part) + n * n, 0.0);
-    };
+    CPartScratch& scratch = ScratchOfParts();
+    const size_t levelDoubles = LevelsOf(parts.span) * (n + square);
+    for (UINT w = 0; w < workers; ++w) {
+        CWorkerScratch& worker = scratch.workers[w];
+        worker.block.Reserve(net.layout.nInputs, rowCount, kChunkPatterns);
+        FillFixedRows(net, rowCount, worker.block);
+        if (worker.levels.size() < levelDoubles) worker.levels.resize(levelDoubles);
+    }
+    const size_t partDoubles = (parts.count - 1) * n + (parts.count > 2 ? (parts.count - 2) * square : 0);
+    if (scratch.parts.size() < partDoubles) scratch.parts.resize(partDoubles);
+    scratch.chunkSums.assign(parts.chunks, 0.0);
+    std::vector<CSums> sums(parts.count);
+    for (UINT part = 0; part < parts.count; ++part) {
+        double* g = part == 0 ? gradient : scratch.parts.data() + (part - 1) * n;
+        double* h = part == 0 ? hessian : part == 1 ? spare : scratch.parts.data() + (parts.count - 1) * n + (part - 2) * square;
+        sums[part] = CSums{g, hessian ? h : nullptr};
+    }
+    if (parts.chunks == 0) {
+        // No pattern: every sum is 0.0.
+        std::fill_n(gradient, n, 0.0);
+        if (hessian) std::fill_n(hessian, n * n, 0.0);
+        return 0.0;
+    }
     {
         // Every product on one BLAS thread (see AddRankK); threads that the parts leave over share the strips
-        // of their updates instead.
+        // of the chunks' updates instead.
         CSingleBlasThread single;
-        RunParts(parts.count, workers, sumPart);
+        RunParts(parts.count, workers, [&](UINT part, UINT worker) {
+            SumSubtree(net, parts.FirstChunk(part), parts.EndChunk(part), n, scratch.workers[worker], sums[part],
+                       strips, scratch.chunkSums.data(), cancel);
+        });
     }
     cancel.ThrowIfAbandoned();  // the parts stopped early: what they hold is incomplete
 
-    for (UINT part = 1; part < parts.count; ++part) {
-        const double* g = gradientOf(part);
-        for (size_t k = 0; k < n; ++k) gradient[k] += g[k];
-    }
+    std::vector<double*> gradients;
+    for (const CSums& part : sums) gradients.push_back(part.gradient);
+    AddByTree(gradients.data(), parts.count, n);
     if (hessian) {
-        std::vector<const double*> others;
-        for (UINT part = 1; part < parts.count; ++part) others.push_back(squareOf(part));
-        AddAndMirror(hessian, n, others, cancel);
+        std::vector<double*> squares;
+        for (const CSums& part : sums) squares.push_back(part.hessian);
+        AddAndMirror(squares, n, cancel);
     }
-    return SumInOrder(scratch.blockSums, parts.blocks);
+    return TreeSum(scratch.chunkSums.data(), parts.chunks);
+}
+
+void AddByTree(double* const* sums, UINT count, size_t length) {
+    CombineParts(count, [&](UINT left, UINT right) {
+        for (size_t k = 0; k < length; ++k) sums[left][k] += sums[right][k];
+    });
 }
 
 double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelToken& cancel) {
-    // The blocks of the accumulation, so that both sum the squares in the same order.
-    const UINT block = BlockPatterns(net.layout, net.nPatterns);
-    const CParts parts = PartsOf(net.nPatterns, block, ForwardWork(net), 0.0);
+    // The chunks of the accumulation, so that both sum the squares in the same order.
+    const CChunkParts parts = PartsOf(net.nPatterns, ForwardWork(net));
     const UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
     CPartScratch& scratch = ScratchOfParts();
-    for (UINT w = 0; w < workers; ++w) scratch.workers[w].Reserve(net.layout.nInputs, 0, block);
-    scratch.blockSums.assign(parts.blocks, 0.0);
+    for (UINT w = 0; w < workers; ++w) scratch.workers[w].block.Reserve(net.layout.nInputs, 0, kChunkPatterns);
+    scratch.chunkSums.assign(parts.chunks, 0.0);
     RunParts(parts.count, workers, [&](UINT part, UINT worker) {
-        CBlockScratch& s = scratch.workers[worker];
-        for (UINT b = parts.FirstBlock(part); b < parts.FirstBlock(part + 1) && !cancel.Abandoned(); ++b) {
-            const UINT first = b * block, count = std::min(block, net.nPatterns - first);
+        CBlockScratch& s = scratch.workers[worker].block;
+        for (UINT c = parts.FirstChunk(part); c < parts.EndChunk(part) && !cancel.Abandoned(); ++c) {
+            const UINT first = c * kChunkPatterns, count = std::min(kChunkPatterns, net.nPatterns - first);
             ForwardBlock(net, first, count, s, false, cancel);
-            scratch.blockSums[b] = BlockErrors(net, first, count, s);
+            scratch.chunkSums[c] = BlockErrors(net, first, count, s);
             if (outputs) std::copy(s.y.data(), s.y.data() + count, outputs + first);
         }
     });
     cancel.ThrowIfAbandoned();
-    return SumInOrder(scratch.blockSums, parts.blocks);
+    return TreeSum(scratch.chunkSums.data(), parts.chunks);
 }
 
 void MirrorUpperToLower(double* a, size_t n, const CCancelToken& cancel) {

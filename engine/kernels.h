@@ -1,13 +1,12 @@
 // Fast dense kernels behind the accumulators, the error measure and the inversion.
 //
-// Accumulation: the Jacobian is built a fixed-size block of patterns at a time, transposed (one row per
-// parameter, the patterns side by side, so that each unit's entries and its one exp per pattern run over
-// contiguous memory with vector instructions), and added to the upper triangle of the quasi-Hessian by a
-// symmetric rank-k update, to the gradient by a matrix-vector product; the lower triangle is mirrored once at
-// the end. When the work is large enough the blocks fall into up to eight parts of consecutive blocks, summed
-// apart on as many threads as there are cores and added in the order of the parts; the parts follow from the
-// shape alone. Memory is a block of rows per thread and a bounded number of spare sums, whatever the number
-// of patterns.
+// Accumulation: the Jacobian is built a chunk of patterns at a time, transposed (one row per parameter, the
+// patterns side by side, so that each unit's entries and its one exp per pattern run over contiguous memory
+// with vector instructions), and gives the chunk's upper triangle of the quasi-Hessian by a symmetric rank-k
+// update, its gradient by a matrix-vector product; the chunks' sums are added by a fixed tree, and the lower
+// triangle is mirrored once at the end. When the work is large enough the chunks fall into up to eight parts,
+// aligned subtrees summed apart on as many threads as there are cores. Memory is a block of rows per thread,
+// a partial sum per level of a part's subtree and one per part: it grows with the logarithm of the patterns.
 //
 // Factorization: a recursive right-looking LU. Its one-column steps keep the pivot rule of the plain
 // algorithm (implicit scaling, whole-row swaps, indx, the TINY replacement); the updates between them are
@@ -43,11 +42,11 @@ void InStrips(size_t cols, double columnWork, const CCancelToken& cancel, Strip 
         strip(first, std::min(width, cols - first));
 }
 
-// Patterns per block of Jacobian rows for a layout and a number of patterns: at most as many as keep a
-// block's rows near 8 MB (between 256 and 2048), and no more than an eighth of the patterns, but not below
-// 512, so that up to eight threads find blocks to sum. Fewer, larger blocks mean fewer passes over the
-// quasi-Hessian, which each block's update reads and writes whole.
-UINT BlockPatterns(const CParamLayout& layout, UINT patterns);
+// Patterns per chunk: every sum over patterns is taken chunk by chunk, each chunk in pattern order, and the
+// chunks' sums added by one binary tree over their indices (the first half of the next power of two, plus the
+// rest). A run of chunks that starts at a multiple of a power of two and spans it is a subtree: summed
+// anywhere, a thread, a cluster's worker, it gives the same bits.
+constexpr UINT kChunkPatterns = 512;
 
 // Number of rows of the transposed Jacobian: the packed vector's length, or the layout's when that is
 // longer, so that there is a row for every entry of the form.
@@ -66,6 +65,12 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
 // std::bad_alloc when its scratch does not fit in memory.
 double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hessian, double* gradient,
                              double* spare, const CCancelToken& cancel);
+
+// The sums of count aligned subtrees of one span, in their order (sums[k] holds `length` doubles: a gradient,
+// a quasi-Hessian, a sum of e * e), added by the tree over their indices into sums[0]: the additions that
+// AccumulateDerivatives makes above its parts, so that sums taken apart, on a cluster's workers say, end as
+// the same bits as the whole.
+void AddByTree(double* const* sums, UINT count, size_t length);
 
 // Sum over the patterns of (output - target) squared; with outputs not null each output is stored there.
 double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelToken& cancel);

@@ -89,8 +89,8 @@ TEST(Accumulators, QuasiHessianIsSymmetricWithNonNegativeDiagonal) {
 }
 
 TEST(Accumulators, BlockedKernelAgreesWithPlainLoopsAcrossRowBlocks) {
-    // Blocks of 2048 patterns here; 4103 gives three, each a part of its own.
-    for (UINT patterns : {0u, 1u, 2048u, 2049u, 4103u}) {
+    // Chunks of 512 patterns; 4103 gives nine, in parts of two.
+    for (UINT patterns : {0u, 1u, 512u, 513u, 4103u}) {
         for (bool improved : {false, true}) {
             CSample s({patterns, 2, 9, improved ? 4 : 3, patterns + 1});
             const engine::CNetworkView view = s.View(improved);
@@ -112,6 +112,52 @@ TEST(Accumulators, BlockedKernelAgreesWithPlainLoopsAcrossRowBlocks) {
             EXPECT_LT(RelativeDifference(fast.data(), plain.data(), n * n), 1e-13) << form << " P=" << patterns;
             EXPECT_LT(RelativeDifference(fastGradient.data(), plainGradient.data(), n), 1e-13)
                 << form << " gradient P=" << patterns;
+        }
+    }
+}
+
+namespace {
+
+// The sums of the patterns first .. first + count - 1 alone: gradient, quasi-Hessian and sum of e * e.
+std::vector<double> SumsOf(CSample& s, UINT first, UINT count, bool improved) {
+    engine::CNetworkView view = s.View(improved);
+    view.pInputs += size_t(first) * view.layout.nInputs;
+    view.pTargets += first;
+    view.nPatterns = count;
+    const UINT nParams = s.Step().nParams;
+    const size_t n = nParams;
+    std::vector<double> sums(n + n * n + 1), spare(n * n);
+    sums[n + n * n] = kernels::AccumulateDerivatives(view, nParams, sums.data() + n, sums.data(), spare.data(),
+                                                     CCancelToken::Never());
+    return sums;
+}
+
+}  // namespace
+
+TEST(Accumulators, AlignedRunsOfChunksSummedApartGiveTheWholeSumsBitForBit) {
+    // What a cluster relies on: partitions of a power of two of chunks, each summed where it lies and added
+    // by the tree, end as the bits of one process, on one thread or on all.
+    for (UINT patterns : {700u, 5000u, 9217u}) {
+        for (bool improved : {false, true}) {
+            CSample s({patterns, 3, 7, improved ? 1 : 0, patterns});
+            for (int threads : {1, 0}) {
+                kernels::LimitThreads(threads);
+                const std::vector<double> whole = SumsOf(s, 0, patterns, improved);
+                for (UINT span : {1u, 2u, 8u}) {
+                    const UINT rows = span * kernels::kChunkPatterns;
+                    std::vector<std::vector<double>> partitions;
+                    for (UINT first = 0; first < patterns; first += rows)
+                        partitions.push_back(SumsOf(s, first, std::min(rows, patterns - first), improved));
+                    std::vector<double*> sums;
+                    for (std::vector<double>& p : partitions) sums.push_back(p.data());
+                    kernels::AddByTree(sums.data(), static_cast<UINT>(sums.size()), whole.size());
+                    for (size_t k = 0; k < whole.size(); ++k)
+                        ASSERT_EQ(partitions[0][k], whole[k])
+                            << "element " << k << " of " << whole.size() << ", P=" << patterns << ", partitions of "
+                            << span << " chunks, " << (threads ? "one thread" : "all threads");
+                }
+            }
+            kernels::LimitThreads(0);
         }
     }
 }
