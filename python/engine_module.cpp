@@ -22,6 +22,7 @@
 #include "files/datafile.h"
 #include "files/paramfile.h"
 #include "files/scanner.h"
+#include "python/cluster.h"
 
 namespace py = pybind11;
 using Array = py::array_t<double, py::array::c_style | py::array::forcecast>;
@@ -282,4 +283,5 @@ PYBIND11_MODULE(_engine, m) {
     m.def("train", &Train, py::arg("X"), py::arg("y"), py::arg("network"), py::arg("options"),
           py::arg("callback"));
     m.def("predict", &Predict, py::arg("network"), py::arg("X"));
+    vantrel_python::BindClusterKernels(m);
 }

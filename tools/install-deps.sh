@@ -6,7 +6,8 @@ set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev libgl-dev libgtest-dev libbenchmark-dev
           libopenblas-dev liblapacke-dev fonts-liberation fonts-urw-base35 xdg-utils
           clang libclang-rt-14-dev
-          pybind11-dev python3-dev python3-numpy python3-sklearn python3-pytest python3-matplotlib)
+          pybind11-dev python3-dev python3-numpy python3-sklearn python3-pytest python3-matplotlib
+          python3-dask python3-distributed)
 missing=()
 for p in "${packages[@]}"; do
   dpkg -s "$p" >/dev/null 2>&1 || missing+=("$p")
