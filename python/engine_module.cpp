@@ -148,8 +148,8 @@ bool WaitWatchingSignals(std::mutex& mutex, std::condition_variable& finished, c
 }
 
 // Runs on a thread of its own while the calling thread, without the GIL, waits and watches for Ctrl-C.
-engine::CRunOutcome RunReleased(engine::CNetworkBuffers& buffers, const CRunRequest& request,
-                                CCollectingSink& sink, engine::CCancelToken& cancel) {
+engine::CRunOutcome RunReleased(engine::CTrainee& trainee, const CRunRequest& request, CCollectingSink& sink,
+                                engine::CCancelToken& cancel) {
     engine::CRunOutcome outcome;
     std::exception_ptr crash;
     bool done = false, interrupted = false;
@@ -160,8 +160,8 @@ engine::CRunOutcome RunReleased(engine::CNetworkBuffers& buffers, const CRunRequ
         std::thread worker([&] {
             try {
                 const bool growing = request.settings.algorithm == engine::kErrorCorrection;
-                outcome = growing ? engine::RunErrorCorrection(buffers, request.settings, sink, cancel, request.online)
-                                  : engine::RunFixedSize(buffers, request.settings, sink, cancel);
+                outcome = growing ? engine::RunErrorCorrection(trainee, request.settings, sink, cancel, request.online)
+                                  : engine::RunFixedSize(trainee, request.settings, sink, cancel);
             } catch (...) {
                 crash = std::current_exception();
             }
@@ -218,8 +218,7 @@ void LoadTrainee(engine::CNetworkBuffers& buffers, const Array& X, const Array& 
                        net["output_weights"].cast<Array>().data(), widths.data(), net["centers"].cast<Array>().data());
 }
 
-py::dict ResultOf(engine::CNetworkBuffers& buffers, const CCollectingSink& sink) {
-    const engine::CNetwork net = buffers.Network();
+py::dict ResultOf(const engine::CNetwork& net, const CCollectingSink& sink) {
     const std::size_t u = net.nUnits, n = net.nInputs;
     py::dict result = NetworkDict(net.nUnits, std::vector<double>(net.pInputWeights, net.pInputWeights + u * n),
                                   std::vector<double>(net.pOutputWeights, net.pOutputWeights + u + 1),
@@ -247,7 +246,34 @@ py::dict Train(const Array& X, const Array& y, const py::object& network, const 
     CCollectingSink sink(callback, request.settings.algorithm == engine::kErrorCorrection, cancel);
     const engine::CRunOutcome outcome = RunReleased(buffers, request, sink, cancel);
     if (outcome.ending == engine::RunEnding::Failed) throw std::runtime_error(outcome.message);
-    return ResultOf(buffers, sink);
+    return ResultOf(buffers.Network(), sink);
+}
+
+// The same run on patterns that a Python object holds (vantrel._cluster.DaskPatterns): every sum over them is
+// asked of it, and the network stays here.
+py::dict TrainOnSource(const py::object& source, const py::object& network, const py::dict& options,
+                       const py::object& callback) {
+    CRunRequest request = RequestOf(options);
+    request.settings.loadFromFile = !network.is_none();
+    engine::CCancelToken cancel;
+    engine::CSeededRand random(request.seed);
+    engine::CBufferStore store;
+    store.SetAlgorithm(request.settings.algorithm);
+    store.SetInitialization(request.init, &random);
+    vantrel_python::CPythonPatterns patterns(source, cancel);
+    if (network.is_none()) {
+        store.SetUnits(request.units, patterns.Inputs());
+    } else {
+        const vantrel_python::CNetworkArrays start(network.cast<py::dict>(), patterns.Inputs());
+        const engine::CNetwork& net = start.Network();
+        store.SetNetwork(net.nUnits, net.nInputs, net.pInputWeights, net.pOutputWeights, net.pWidths, net.pCenters);
+    }
+    engine::CNetworkPolicy policy(store, patterns, cancel);
+    CCollectingSink sink(callback, request.settings.algorithm == engine::kErrorCorrection, cancel);
+    const engine::CRunOutcome outcome = RunReleased(policy, request, sink, cancel);
+    if (patterns.Failure()) std::rethrow_exception(patterns.Failure());
+    if (outcome.ending == engine::RunEnding::Failed) throw std::runtime_error(outcome.message);
+    return ResultOf(store.Network(), sink);
 }
 
 // The network's output for every row of X, by the engine's own formula.
@@ -281,6 +307,8 @@ PYBIND11_MODULE(_engine, m) {
     m.def("parameter_text", &ParameterText, py::arg("input_weights"), py::arg("output_weights"),
           py::arg("centers"), py::arg("widths"));
     m.def("train", &Train, py::arg("X"), py::arg("y"), py::arg("network"), py::arg("options"),
+          py::arg("callback"));
+    m.def("train_on_source", &TrainOnSource, py::arg("source"), py::arg("network"), py::arg("options"),
           py::arg("callback"));
     m.def("predict", &Predict, py::arg("network"), py::arg("X"));
     vantrel_python::BindClusterKernels(m);

@@ -107,15 +107,19 @@ class DaskPatterns:
         y = y.astype(np.float64).rechunk({0: rows})
         self._X, self._y = client.persist([X, y])
         distributed.wait([self._X, self._y])
+        import dask.array as da
+        finite = client.compute([da.isfinite(self._X).all(), da.isfinite(self._y).all()], sync=True)
+        if not all(finite):
+            raise ValueError("Input contains NaN, infinity or a value too large for dtype('float64').")
         self._x_parts = [distributed.Future(key, client) for key in _keys(self._X)]
         self._y_parts = [distributed.Future(key, client) for key in _keys(self._y)]
         self._offsets = [k * rows for k in range(len(self._x_parts))]
         self._worst = None
         self._range = None
 
-    def _run(self, function, abandoned, *args):
-        """function(network-free args..., X_part, y_part, ...) as one task per partition; their results."""
-        futures = [self._client.submit(function, *args(k), pure=False) for k in range(len(self._x_parts))]
+    def _run(self, function, abandoned, arguments):
+        """function(*arguments(k)) as a task for each partition k; their results in partition order."""
+        futures = [self._client.submit(function, *arguments(k), pure=False) for k in range(len(self._x_parts))]
         return self._gather(futures, abandoned)
 
     def _gather(self, futures, abandoned):
@@ -132,7 +136,9 @@ class DaskPatterns:
 
     def _network(self, network):
         # Sent once to each worker for the pass, not with every task.
-        return self._client.scatter(network, broadcast=True, hash=False)
+        # In a list: a dict alone would be scattered value by value, under its own keys.
+        [sent] = self._client.scatter([network], broadcast=True, hash=False)
+        return sent
 
     def sum_derivatives(self, network, improved, n_params, hessian, abandoned):
         sent = self._network(network)

@@ -8,7 +8,7 @@ from sklearn.utils import check_random_state
 from sklearn.utils.multiclass import check_classification_targets
 from sklearn.utils.validation import check_is_fitted
 
-from vantrel import _engine
+from vantrel import _dask, _engine
 
 # The algorithms by name, valued by their place in the window's algorithm list.
 ALGORITHMS = {
@@ -97,7 +97,8 @@ class _RBFNetwork(BaseEstimator):
         return _engine.read_parameter_file(os.fspath(self.init), n_inputs)
 
     def _train(self, X, y, network, options):
-        result = _engine.train(X, y, network, options, self.callback)
+        train = _dask.train if _dask.is_dask(X) else _engine.train
+        result = train(X, y, network, options, self.callback)
         for name in _NETWORK:
             setattr(self, name + "_", result[name])
         self.errors_ = result["errors"]
@@ -122,15 +123,29 @@ class _RBFNetwork(BaseEstimator):
         options = self._options()
         options.update(online=True, max_units=int(extra_units), known_patterns=self._X_fit.shape[0])
         X, y = self._X_fit, self._y_fit
-        if X_new is not None:
+        if X_new is not None and _dask.is_dask(X, X_new):
+            X, y = _dask.stack(X, X_new), _dask.stack(y, targets_new)
+        elif X_new is not None:
             X, y = np.vstack([X, X_new]), np.concatenate([y, targets_new])
         network = {name: getattr(self, name + "_") for name in _NETWORK}
         return self._train(X, y, network, options)
 
     def _network_output(self, X):
         check_is_fitted(self)
+        network = {name: getattr(self, name + "_") for name in _NETWORK}
+        if _dask.is_dask(X):
+            return _dask.network_output(network, _dask.check_patterns(X, n_features=self.n_features_in_))
         X = self._validate_data(X, reset=False)
-        return _engine.predict({name: getattr(self, name + "_") for name in _NETWORK}, X)
+        return _engine.predict(network, X)
+
+    def _checked(self, X, y, reset=True, **checks):
+        """X and y checked as scikit-learn checks them, dask arrays alike (which stay dask arrays)."""
+        if not _dask.is_dask(X, y):
+            return self._validate_data(X, y, reset=reset, dtype=np.float64, **checks)
+        X, y = _dask.check_patterns(X, y, None if reset else self.n_features_in_)
+        if reset:
+            self.n_features_in_ = X.shape[1]
+        return X, y
 
     def write_parameter_file(self, path):
         """Write the fitted network as a parameter file that the window's Initialization can load.
@@ -175,19 +190,24 @@ class RBFRegressor(RegressorMixin, _RBFNetwork):
     """
 
     def fit(self, X, y):
-        X, y = self._validate_data(X, y, y_numeric=True, dtype=np.float64)
-        return self._fit_targets(X, np.asarray(y, dtype=np.float64))
+        X, y = self._checked(X, y, y_numeric=True)
+        return self._fit_targets(X, y.astype(np.float64))
 
     def extend(self, X_new, y_new, extra_units):
         """Online training: append the new patterns (None: no new patterns) and grow the error_correction
         network by up to ``extra_units`` units, training old and new parameters on all patterns."""
         if X_new is None:
             return self._extend_targets(None, None, extra_units)
-        X_new, y_new = self._validate_data(X_new, y_new, reset=False, y_numeric=True, dtype=np.float64)
-        return self._extend_targets(X_new, np.asarray(y_new, dtype=np.float64), extra_units)
+        X_new, y_new = self._checked(X_new, y_new, reset=False, y_numeric=True)
+        return self._extend_targets(X_new, y_new.astype(np.float64), extra_units)
 
     def predict(self, X):
         return self._network_output(X)
+
+    def score(self, X, y, sample_weight=None):
+        if _dask.is_dask(X, y) and sample_weight is None:
+            return _dask.r2_score(y, self.predict(X))
+        return super().score(X, y, sample_weight)
 
 
 class RBFClassifier(ClassifierMixin, _RBFNetwork):
@@ -199,12 +219,19 @@ class RBFClassifier(ClassifierMixin, _RBFNetwork):
         return {"binary_only": True}
 
     def _targets(self, y):
+        if _dask.is_dask(y):
+            import dask.array as da
+            return da.where(y == self.classes_[self._positive], 1.0, -1.0)
         return np.where(y == self.classes_[self._positive], 1.0, -1.0)
 
     def fit(self, X, y):
-        X, y = self._validate_data(X, y, dtype=np.float64)
-        check_classification_targets(y)
-        self.classes_ = np.unique(y)
+        X, y = self._checked(X, y)
+        if _dask.is_dask(y):
+            import dask.array as da
+            self.classes_ = np.unique(da.unique(y).compute())
+        else:
+            check_classification_targets(y)
+            self.classes_ = np.unique(y)
         if len(self.classes_) > 2:
             raise ValueError(f"RBFClassifier takes two classes, not {len(self.classes_)}")
         ones = [k for k, c in enumerate(self.classes_) if isinstance(c, numbers.Number) and c == 1]
@@ -216,8 +243,8 @@ class RBFClassifier(ClassifierMixin, _RBFNetwork):
         check_is_fitted(self)
         if X_new is None:
             return self._extend_targets(None, None, extra_units)
-        X_new, y_new = self._validate_data(X_new, y_new, reset=False, dtype=np.float64)
-        if not np.isin(y_new, self.classes_).all():
+        X_new, y_new = self._checked(X_new, y_new, reset=False)
+        if not np.isin(np.asarray(y_new), self.classes_).all():
             raise ValueError("y_new holds a class that the classifier was not fitted on")
         return self._extend_targets(X_new, self._targets(y_new), extra_units)
 
@@ -228,4 +255,12 @@ class RBFClassifier(ClassifierMixin, _RBFNetwork):
     def predict(self, X):
         positive = self.decision_function(X) > 0
         negative = 1 - self._positive if len(self.classes_) == 2 else self._positive
+        if _dask.is_dask(positive):
+            return positive.map_blocks(lambda p: self.classes_[np.where(p, self._positive, negative)],
+                                       dtype=self.classes_.dtype)
         return self.classes_[np.where(positive, self._positive, negative)]
+
+    def score(self, X, y, sample_weight=None):
+        if _dask.is_dask(X, y) and sample_weight is None:
+            return _dask.accuracy(y, self.predict(X))
+        return super().score(X, y, sample_weight)
