@@ -30,7 +30,7 @@ def read_patterns(path, blocksize="64MiB"):
     except OSError as exc:
         raise ValueError(_CANNOT_OPEN) from exc
     _, [blocks] = read_bytes(path, delimiter=b"\n", blocksize=blocksize, sample=False)
-    measures = dask.compute(*[dask.delayed(_engine.measure_block)(block) for block in blocks])
+    measures = dask.compute(*[dask.delayed(_measure_block)(block) for block in blocks])
     blocks, measures = _blocks_of_the_text(blocks, measures)
     # rows[t] of a block: its rows of t tokens.
     rows = [np.asarray(m[2], dtype=np.int64) for m in measures]
@@ -49,6 +49,15 @@ def read_patterns(path, blocksize="64MiB"):
     return _arrays(blocks, inputs, targets, patterns, n_inputs)
 
 
+# Tasks call these, by name: the native functions themselves can't travel to a worker.
+def _measure_block(block):
+    return _engine.measure_block(block)
+
+
+def _read_block(block, n_inputs):
+    return _engine.read_block(block, n_inputs)
+
+
 def _blocks_of_the_text(blocks, measures):
     """The blocks up to the one whose NUL ends the file's text; that one is read as the text's last."""
     for k, (ends_text, _, _) in enumerate(measures):
@@ -62,7 +71,7 @@ def _arrays(blocks, inputs, targets, patterns, n_inputs):
     what the rows don't reach stays 0.0 while what lies beyond the room is left out."""
     import dask
     import dask.array as da
-    read = [dask.delayed(_engine.read_block, nout=2)(block, n_inputs) for block in blocks]
+    read = [dask.delayed(_read_block, nout=2)(block, n_inputs) for block in blocks]
     flat_x = _fitted(da.concatenate([da.from_delayed(r[0], (count,), np.float64)
                                      for r, count in zip(read, inputs)]), patterns * n_inputs)
     flat_y = _fitted(da.concatenate([da.from_delayed(r[1], (count,), np.float64)

@@ -170,3 +170,12 @@ cluster.close()
     seconds, running = run.stdout.split()
     assert 1.5 < float(seconds) < 15, run.stderr[-2000:]
     assert int(running) == 0, "tasks of the stopped fit went on running"
+
+
+def test_a_file_read_in_blocks_on_the_workers_fits_as_the_whole_file(client, tmp_path):
+    path = tmp_path / "set.txt"
+    np.savetxt(path, np.column_stack([X, Y]), fmt="%.17g", newline="\r\n")
+    Xd, yd = vantrel.read_patterns(path, blocksize=10000)
+    settings = dict(units=4, iterations=3, random_state=4)
+    local = vantrel.RBFRegressor(**settings).fit(*vantrel.load_data(path))
+    assert_same_fit(local, vantrel.RBFRegressor(**settings).fit(Xd, yd), "a fit from read_patterns")
