@@ -12,8 +12,9 @@ single-threaded worker processes on 127.0.0.1. Prints the median seconds per ite
 callback's times, the first iteration left out) and their ratio, and checks that both fits end in the same bits.
 
 prepare: writes DIR/patterns.txt, generated, of --patterns rows.
-memory: reads DIR/patterns.txt with read_patterns in blocks and trains 2 iterations of a 10-unit network on the
-cluster; prints this process's peak resident memory (the workers are processes of their own).
+memory: reads DIR/patterns.txt with read_patterns in blocks and grows a network of 3 units by the Error
+Correction Algorithm, 2 iterations each, on the cluster; prints this process's own peak resident memory (the
+workers are processes of their own, whose memory /usr/bin/time -v counts in its maximum).
 
 model: the terms of a model of a cluster iteration, measured here: the seconds of one chunk's sums on one core,
 the bytes of a partition's partial sums, and the latency of a pass of empty tasks; then the model's time per
@@ -91,13 +92,13 @@ def memory(folder):
     try:
         start = time.perf_counter()
         X, y = vantrel.read_patterns(path, blocksize="32MiB")
-        model = vantrel.RBFRegressor(units=10, iterations=2, random_state=1, desired_error=0).fit(X, y)
+        model = vantrel.RBFRegressor(algorithm="error_correction", max_units=3, iterations=2).fit(X, y)
         seconds = time.perf_counter() - start
     finally:
         client.close()
         cluster.close()
     peak = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss / 1024
-    print(f"file {path} ({path.stat().st_size / 1e6:.0f} MB, {X.shape[0]} patterns): read and 2 iterations in "
+    print(f"file {path} ({path.stat().st_size / 1e6:.0f} MB, {X.shape[0]} patterns): read and grown to 3 units in "
           f"{seconds:.1f} s, error {model.errors_[-1]:.6f}")
     print(f"peak resident memory of this process: {peak:.0f} MB")
 
