@@ -195,6 +195,17 @@ int MakeDirectories(const std::string& directory) {
     return S_ISDIR(info.st_mode) ? 0 : ENOTDIR;
 }
 
+std::string SampleDataDirectory(const std::string& programDirectory) {
+    std::string program = programDirectory;
+    while (program.size() > 1 && program.back() == '/') program.pop_back();
+    const std::string prefix = program.substr(0, program.rfind('/'));
+    for (const std::string& samples : {program + "/data", prefix + "/share/" + kProgramName + "/data"}) {
+        struct stat info {};
+        if (::stat(samples.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return samples;
+    }
+    return program;
+}
+
 }  // namespace platform
 
 CString AfxWrittenFilesDirectory(int& error) {

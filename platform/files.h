@@ -56,7 +56,8 @@ DWORD GetModuleFileNameA(void* module, LPTSTR buffer, DWORD size);
 // output files land in a directory of the caller's choosing. An empty path restores the real one.
 void AfxSetModuleDirectory(const CString& directory);
 
-// The program's name outside its own folder: of its per-user data folder.
+// The program's name outside its own folder: of its installed data (PREFIX/share/vantrel), its per-user data
+// folder and its desktop entry.
 constexpr char kProgramName[] = "vantrel";
 
 // The directory, ending in '/', of the files that the program writes beside itself. It is the executable's
@@ -75,5 +76,9 @@ std::string UserDataDirectory();
 // Makes directory and every missing folder above it, the new ones readable by the user alone (0700, as the
 // XDG rules ask). 0 when it exists afterwards, else the system's error number.
 int MakeDirectories(const std::string& directory);
+// The folder that the first data file dialog opens on, for a program in programDirectory: the samples beside
+// it (a build folder), else those installed with it (PREFIX/share/vantrel/data for PREFIX/bin), else
+// programDirectory itself.
+std::string SampleDataDirectory(const std::string& programDirectory);
 
 }  // namespace platform

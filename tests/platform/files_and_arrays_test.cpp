@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -117,6 +118,19 @@ TEST(MakeDirectories, MakesEveryMissingFolderPrivateAndNamesWhatStandsInTheWay) 
     const std::string file = folder.Write("plain", "x");
     EXPECT_EQ(platform::MakeDirectories(file + "/vantrel/"), ENOTDIR);
     EXPECT_EQ(platform::MakeDirectories(file), ENOTDIR);
+}
+
+// A build folder has its samples beside the program; an installed program finds them under its prefix.
+TEST(SampleDataDirectory, IsBesideTheProgramElseInstalledUnderItsPrefixElseTheProgramsFolder) {
+    const TempFolder folder;
+    const std::string bin = folder.Path() + "/usr/bin";
+    const std::string installed = folder.Path() + "/usr/share/vantrel/data";
+    std::filesystem::create_directories(bin);
+    EXPECT_EQ(platform::SampleDataDirectory(bin), bin) << "no samples anywhere";
+    std::filesystem::create_directories(installed);
+    EXPECT_EQ(platform::SampleDataDirectory(bin + "/"), installed);
+    std::filesystem::create_directories(bin + "/data");
+    EXPECT_EQ(platform::SampleDataDirectory(bin), bin + "/data") << "the samples beside the program come first";
 }
 
 TEST(CStringTest, FormatAndCuttingAtTheLastSeparator) {
