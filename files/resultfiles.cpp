@@ -2,7 +2,6 @@
 #include "files/resultfiles.h"
 
 #include <cerrno>
-#include <climits>
 #include <cstring>
 
 #include "platform/clock.h"
@@ -31,8 +30,11 @@ void AppendSection(std::vector<std::string>& block, const char* title, const CRe
 // A block that the file can't take is lost and the run goes on: after an open that fails the next block
 // tries again, after a write that fails (AppendToFile) nothing more is written.
 void AppendBlock(CVantrelDlg& dlg, CString& path, const std::vector<std::string>& block) {
-    if (AppendToFile(dlg, path, block) == AppendResult::CannotOpen)
+    int error = 0;
+    if (AppendToFile(dlg, path, block, error) == AppendResult::CannotOpen) {
+        dlg.AppendInfo(WriteFailureLine(path, error));
         dlg.MessageBox("Open Result File Failed!", "Error", MB_ICONHAND);
+    }
 }
 
 CResultSection TrainedSection(const CVantrelDlg& dlg) {
@@ -48,15 +50,6 @@ std::string TimestampedFileName(const struct tm& local, const char* suffix) {
     return name.str() + suffix;
 }
 
-CString ExecutableDirectory() {
-    // A Linux path may be far longer than the 260 characters of the desktop API's limit, and a cut path
-    // would name another directory: the buffer takes the longest path the system allows.
-    char buffer[PATH_MAX + 1];
-    GetModuleFileNameA(nullptr, buffer, sizeof buffer);
-    const CString path(buffer);
-    return path.Left(path.ReverseFind('/') + 1);
-}
-
 std::string AsideName(const std::string& path, int number) {
     const size_t dot = path.rfind('.');
     const size_t slash = path.rfind('/');
@@ -65,28 +58,39 @@ std::string AsideName(const std::string& path, int number) {
     return path.substr(0, at) + "." + std::to_string(number) + path.substr(at);
 }
 
-bool MoveAside(const CString& path) {
+int MoveAside(const CString& path) {
     // Far more names than a second can give; a folder that has them all taken is not one to write into.
     constexpr int kMostNames = 100000;
     for (int number = 1; number <= kMostNames; ++number) {
         const int error = CFile::Rename(path, AsideName(path.str(), number).c_str());
-        if (error == 0 || error == ENOENT) return true;
-        if (error != EEXIST) return false;
+        if (error == 0 || error == ENOENT) return 0;
+        if (error != EEXIST) return error;
     }
-    return false;
+    return EEXIST;
 }
 
-bool CreateStampedFile(const char* suffix, CString& path) {
+bool CreateStampedFile(const char* suffix, CString& path, int& error) {
     const CTime now = CTime::GetTickCount();
-    return CreateStampedFile(suffix, *now.GetLocalTm(), path);
+    return CreateStampedFile(suffix, *now.GetLocalTm(), path, error);
 }
 
-bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path) {
-    path = ExecutableDirectory() + TimestampedFileName(local, suffix).c_str();
-    if (!MoveAside(path)) return false;
+bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path, int& error) {
+    path = AfxWrittenFilesDirectory(error) + TimestampedFileName(local, suffix).c_str();
+    if (error != 0) return false;
+    error = MoveAside(path);
+    if (error != 0) return false;
     CFile file;
-    if (!file.Open(path, CFile::modeCreate)) return false;
-    return file.Close() != FALSE;
+    const bool created = file.Open(path, CFile::modeCreate) && file.Close();
+    error = file.GetError();
+    return created;
+}
+
+CString WriteFailureLine(const CString& path, int error) {
+    const int slash = path.ReverseFind('/');
+    CString line;
+    line.Format("Cannot write %s in %s: %s.", static_cast<const char*>(path.Mid(slash + 1)),
+                static_cast<const char*>(path.Left(slash + 1)), std::strerror(error));
+    return line;
 }
 
 bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path) {
@@ -98,10 +102,14 @@ bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path) {
     return false;
 }
 
-AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces) {
+AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces, int& openError) {
+    openError = 0;
     if (path.IsEmpty()) return AppendResult::WriteFailed;
     CFile file;
-    if (!file.Open(path, CFile::modeWrite)) return AppendResult::CannotOpen;
+    if (!file.Open(path, CFile::modeWrite)) {
+        openError = file.GetError();
+        return AppendResult::CannotOpen;
+    }
     for (const std::string& text : pieces) {
         file.Seek(0, CFile::end);
         if (!file.Write(text.data(), static_cast<UINT>(text.size()))) break;
@@ -139,7 +147,9 @@ std::vector<std::string> ResultBlock(UINT units, UINT inputs, UINT iterations, d
 }
 
 int CVantrelDlg::CreateResultFile(CString* path) {
-    if (!CreateStampedFile("result.txt", *path)) {
+    int error = 0;
+    if (!CreateStampedFile("result.txt", *path, error)) {
+        AppendInfo(WriteFailureLine(*path, error));
         MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
         return 0;
     }

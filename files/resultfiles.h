@@ -1,5 +1,6 @@
 // Result files: one text file per run with a block per trial (or per unit of the Error Correction
-// Algorithm), for people to read. Written beside the executable, CR LF line ends, numbers in fixed notation.
+// Algorithm), for people to read. Written beside the executable (where it can't be written, in the user's
+// data folder: AfxWrittenFilesDirectory), CR LF line ends, numbers in fixed notation.
 // The member functions CreateResultFile, WriteRunResults and WriteErrCorResults of CVantrelDlg build on the
 // pieces declared here.
 #pragma once
@@ -16,24 +17,26 @@
 // 17 March 2011 at 14:05:27 with the suffix "result.txt" gives 2011317_14527_result.txt.
 std::string TimestampedFileName(const struct tm& local, const char* suffix);
 
-// The directory of the running executable, ending in '/': where every written file lies.
-CString ExecutableDirectory();
-
 // "NAME.N.EXT" for the path "NAME.EXT" (or "NAME.N" when it has no extension).
 std::string AsideName(const std::string& path, int number);
 
 // Moves a file at path aside to the first free AsideName, N counting from 1, so that what it holds is kept
-// when path is created anew: the higher N, the later the file was made. True when path is free now (also when
-// there was no file); false when the file could not be moved.
-bool MoveAside(const CString& path);
+// when path is created anew: the higher N, the later the file was made. 0 when path is free now (also when
+// there was no file); else the system's error number of the move that failed.
+int MoveAside(const CString& path);
 
-// The one maker of stamped files: creates an empty file in the executable's directory, named from the local
+// The one maker of stamped files: creates an empty file in AfxWrittenFilesDirectory, named from the local
 // time of its creation by TimestampedFileName, and fills path. A file of that name (a run in the same second,
 // or another moment whose unpadded digits read alike) is moved aside first, and nothing a user kept is
-// emptied. False when the file could not be created, or the one there could not be moved.
-bool CreateStampedFile(const char* suffix, CString& path);
+// emptied. False when the file could not be created, or the one there could not be moved; error then
+// receives the system's error number.
+bool CreateStampedFile(const char* suffix, CString& path, int& error);
 // The same for the moment local.
-bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path);
+bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path, int& error);
+
+// The information line of a written file that could not be made or opened: its name, its folder and the
+// cause, "Cannot write NAME in FOLDER: CAUSE.".
+CString WriteFailureLine(const CString& path, int error);
 
 class CFile;
 class CWnd;
@@ -44,9 +47,9 @@ bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path);
 // Appends the pieces to the end of the existing file at path, one write each, and closes it. After a write
 // or close that fails (CloseWrittenFile has shown why) path is emptied: nothing more is written to a file
 // known to be incomplete, and a call with an empty path does nothing. A file that can't be opened shows
-// nothing: the caller has its own message for it.
+// nothing: the caller has its own message for it, and openError receives the system's error number.
 enum class AppendResult { Written, CannotOpen, WriteFailed };
-AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces);
+AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces, int& openError);
 
 // One array on one line: each element as "%.6f", one blank between them, then "\r\n". An infinity or a NaN,
 // which a diverging training can leave, prints as the C library writes it ("inf", "-inf", "nan", "-nan").

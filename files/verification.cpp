@@ -11,24 +11,28 @@
 
 namespace {
 
-// Creates an empty file, or empties the one there; false when it can't.
-bool CreateEmpty(const CString& path) {
+// Creates an empty file, or empties the one there; 0 when done, else the system's error number.
+int CreateEmpty(const CString& path) {
     CFile file;
-    if (!file.Open(path, CFile::modeCreate)) return false;
+    if (!file.Open(path, CFile::modeCreate)) return file.GetError();
     file.Close();
-    return true;
+    return 0;
 }
 
 }  // namespace
 
 int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
-    const CString directory = ExecutableDirectory();
-    if (!CreateStampedFile("output.txt", *stampedPath)) {
+    int error = 0;
+    if (!CreateStampedFile("output.txt", *stampedPath, error)) {
+        AppendInfo(WriteFailureLine(*stampedPath, error));
         MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
         return 0;
     }
-    *outputPath = directory + "output.txt";
-    if (!CreateEmpty(*outputPath)) {
+    // Beside the stamped file, wherever the written files' directory turned out to be.
+    *outputPath = stampedPath->Left(stampedPath->ReverseFind('/') + 1) + "output.txt";
+    error = CreateEmpty(*outputPath);
+    if (error != 0) {
+        AppendInfo(WriteFailureLine(*outputPath, error));
         MessageBox("Create Result File Failed (output.txt)!", "Error", MB_ICONHAND);
         return 0;
     }

@@ -1,15 +1,18 @@
 #include "platform/files.h"
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace {
 // A file grown past the process's size limit is a write error to report, not a signal that ends the program.
@@ -152,4 +155,70 @@ DWORD GetModuleFileNameA(void* /*module*/, LPTSTR buffer, DWORD size) {
     std::memcpy(buffer, path.data(), n);
     buffer[n] = '\0';
     return static_cast<DWORD>(n);
+}
+
+namespace {
+
+std::string HomeDirectory() {
+    const char* home = std::getenv("HOME");
+    if (home != nullptr && home[0] == '/') return home;
+    // A session started without HOME (a service, su without -l) still has a home in the password database.
+    std::vector<char> buffer(16384);
+    struct passwd entry {};
+    struct passwd* found = nullptr;
+    if (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found != nullptr &&
+        found->pw_dir != nullptr)
+        return found->pw_dir;
+    return "/";
+}
+
+}  // namespace
+
+namespace platform {
+
+std::string UserDataDirectory() {
+    const char* dataHome = std::getenv("XDG_DATA_HOME");
+    std::string folder = dataHome != nullptr && dataHome[0] == '/' ? dataHome : HomeDirectory() + "/.local/share";
+    while (folder.size() > 1 && folder.back() == '/') folder.pop_back();
+    if (folder != "/") folder += '/';
+    return folder + kProgramName + "/";
+}
+
+int MakeDirectories(const std::string& directory) {
+    for (size_t end = directory.find('/', 1); ; end = directory.find('/', end + 1)) {
+        const std::string folder = directory.substr(0, end);
+        if (!folder.empty() && ::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) return errno;
+        if (end == std::string::npos) break;
+    }
+    struct stat info {};
+    if (::stat(directory.c_str(), &info) != 0) return errno;
+    return S_ISDIR(info.st_mode) ? 0 : ENOTDIR;
+}
+
+std::string SampleDataDirectory(const std::string& programDirectory) {
+    std::string program = programDirectory;
+    while (program.size() > 1 && program.back() == '/') program.pop_back();
+    const std::string prefix = program.substr(0, program.rfind('/'));
+    for (const std::string& samples : {program + "/data", prefix + "/share/" + kProgramName + "/data"}) {
+        struct stat info {};
+        if (::stat(samples.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) return samples;
+    }
+    return program;
+}
+
+}  // namespace platform
+
+CString AfxWrittenFilesDirectory(int& error) {
+    error = 0;
+    {
+        std::lock_guard<std::mutex> lock(g_dirMutex);
+        if (!g_moduleDir.empty()) return CString(g_moduleDir.back() == '/' ? g_moduleDir : g_moduleDir + "/");
+    }
+    const std::string program = RealExecutablePath();
+    const std::string directory = program.substr(0, program.rfind('/') + 1);
+    // The effective user's rights decide, as they will when the file is created.
+    if (faccessat(AT_FDCWD, directory.c_str(), W_OK | X_OK, AT_EACCESS) == 0) return CString(directory);
+    const std::string own = platform::UserDataDirectory();
+    error = platform::MakeDirectories(own);
+    return CString(own);
 }

@@ -1,7 +1,8 @@
-// CFile and the executable's directory.
+// CFile, the executable's directory and the directory of the files a program writes.
 #pragma once
 
 #include <cstdio>
+#include <string>
 
 #include "platform/strings.h"
 #include "platform/types.h"
@@ -54,3 +55,30 @@ DWORD GetModuleFileNameA(void* module, LPTSTR buffer, DWORD size);
 // The directory that GetModuleFileNameA reports can be moved for a scripted session, so that its result and
 // output files land in a directory of the caller's choosing. An empty path restores the real one.
 void AfxSetModuleDirectory(const CString& directory);
+
+// The program's name outside its own folder: of its installed data (PREFIX/share/vantrel), its per-user data
+// folder and its desktop entry.
+constexpr char kProgramName[] = "vantrel";
+
+// The directory, ending in '/', of the files that the program writes beside itself. It is the executable's
+// own where the user may write there (a build folder, a copy in the user's home). An installed program's
+// directory belongs to the system: as the desktop of old redirected a program's writes to its install folder
+// into a per-user store, they then go to the user's data folder (UserDataDirectory), made on need. A
+// directory set by AfxSetModuleDirectory stands as it is: whoever set it chose where files go.
+// error receives 0, or the system's error number when the per-user folder could not be made.
+CString AfxWrittenFilesDirectory(int& error);
+
+namespace platform {
+
+// The program's per-user data folder, ending in '/': under $XDG_DATA_HOME when that is an absolute path (a
+// relative one is ignored, as the XDG base directory rules say), else under ~/.local/share.
+std::string UserDataDirectory();
+// Makes directory and every missing folder above it, the new ones readable by the user alone (0700, as the
+// XDG rules ask). 0 when it exists afterwards, else the system's error number.
+int MakeDirectories(const std::string& directory);
+// The folder that the first data file dialog opens on, for a program in programDirectory: the samples beside
+// it (a build folder), else those installed with it (PREFIX/share/vantrel/data for PREFIX/bin), else
+// programDirectory itself.
+std::string SampleDataDirectory(const std::string& programDirectory);
+
+}  // namespace platform

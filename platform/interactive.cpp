@@ -1,5 +1,4 @@
 // The interactive prompt hook: shows prompts to the user.
-#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMenu>
@@ -55,12 +54,11 @@ public:
     }
 
     INT_PTR RunFileDialog(CFileDialog& dialog) override {
-        // The first data file dialog opens on the sample data beside the program; later ones where the user
-        // last chose a file.
-        if (m_lastDirectory.isEmpty()) {
-            const QString samples = ExecutableDirectory() + "/data";
-            m_lastDirectory = QDir(samples).exists() ? samples : ExecutableDirectory();
-        }
+        // The first data file dialog opens on the sample data, beside the program or installed with it; later
+        // ones where the user last chose a file.
+        if (m_lastDirectory.isEmpty())
+            m_lastDirectory =
+                QString::fromStdString(platform::SampleDataDirectory(ExecutableDirectory().toStdString()));
         const QString path =
             dialog.IsOpenDialog()
                 ? QFileDialog::getOpenFileName(platform::ActiveDialogWidget(), "Open", m_lastDirectory,

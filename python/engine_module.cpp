@@ -302,6 +302,7 @@ py::array_t<double> Predict(const py::dict& network, const Array& X) {
 
 PYBIND11_MODULE(_engine, m) {
     m.doc() = "The training engine and file formats of Vantrel.";
+    m.attr("__version__") = VANTREL_VERSION;
     m.def("load_data", &LoadData, py::arg("path"));
     m.def("read_parameter_file", &ReadParameterFile, py::arg("path"), py::arg("n_inputs"));
     m.def("parameter_text", &ParameterText, py::arg("input_weights"), py::arg("output_weights"),

@@ -4,6 +4,7 @@
 #include "platform/drawing.h"
 #include "platform/shared.h"
 #include "platform/thread.h"
+#include "platform/uiqueue.h"
 #include "shell/plotaxes.h"
 
 namespace {
@@ -123,6 +124,11 @@ BOOL CVantrelDlg::OnInitDialog() {
 }
 
 void CVantrelDlg::AppendInfo(CString strLine) {
+    // A run's worker tells of a result file that failed: the count of lines is the main thread's alone.
+    if (!AfxIsGuiThread()) {
+        platform::CallOnGui([&] { AppendInfo(strLine); });
+        return;
+    }
     if (m_nInfoLines == kMaxInfoLines) ClearInfo();
     GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_INSERTSTRING, m_nInfoLines, reinterpret_cast<LPARAM>(static_cast<const char*>(strLine)));
     ++m_nInfoLines;

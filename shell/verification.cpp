@@ -109,10 +109,12 @@ void CVantrelDlg::OnVerification() {
     CFile stamped;
     CFile output;
     if (!stamped.Open(stampedPath, CFile::modeWrite)) {
+        AppendInfo(WriteFailureLine(stampedPath, stamped.GetError()));
         ShowError(*this, "Saving Data file Open failed");
         return;
     }
     if (!output.Open(outputPath, CFile::modeWrite)) {
+        AppendInfo(WriteFailureLine(outputPath, output.GetError()));
         ShowError(*this, "Saving Data file output.txt Open failed");
         return;
     }

@@ -43,7 +43,7 @@ from vantrel._estimators import ALGORITHMS, RBFClassifier, RBFRegressor  # noqa:
 from vantrel._reading import read_patterns  # noqa: E402
 
 __all__ = ["ALGORITHMS", "RBFClassifier", "RBFRegressor", "load_data", "read_patterns"]
-__version__ = "1.4.0"
+__version__ = _engine.__version__
 
 
 def load_data(path):

@@ -1,6 +1,7 @@
 // Result and output files on disk where the runs do not reach: a name made again, a block
 // that cannot be written, and appends with a seek to the end.
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <fstream>
 
@@ -21,6 +22,11 @@ protected:
         m_dlg.m_nInputs = 1;
         m_dlg.m_nOutputs = 1;
         ReplaceNetworkArrays(m_dlg, 1);
+    }
+    std::string LastInfoLine() {
+        platform::DrainGuiQueue();
+        const std::vector<std::string> lines = m_dlg.Window()->Items(IDC_INFO_LIST);
+        return lines.empty() ? "<no line>" : lines.back();
     }
 };
 
@@ -70,7 +76,8 @@ TEST_F(ResultFileTest, CollidingMomentsMoveEarlierFilesAsideInTheOrderMade) {
         std::vector<std::string> written;
         for (const struct tm& moment : c.moments) {
             CString path;
-            ASSERT_TRUE(CreateStampedFile(c.suffix, moment, path)) << c.name;
+            int error = 0;
+            ASSERT_TRUE(CreateStampedFile(c.suffix, moment, path, error)) << c.name << ": " << std::strerror(error);
             EXPECT_EQ(path.str(), m_folder.Path() + "/" + c.name + ".txt");
             EXPECT_EQ(TempFolder::Read(path.str()), "") << "a new file starts empty";
             written.push_back("file " + std::to_string(written.size() + 1));
@@ -107,7 +114,20 @@ TEST_F(ResultFileTest, ABlockThatCannotBeWrittenIsReportedAndCreatesNothing) {
     CString path = CString(m_folder.Path() + "/missing/block.txt");
     m_dlg.WriteRunResults(&path, 1, 1, 0.1);
     EXPECT_EQ(Boxes(), std::vector<std::string>{Box("Open Result File Failed!")});
+    EXPECT_EQ(LastInfoLine(), "Cannot write block.txt in " + m_folder.Path() + "/missing/: No such file or directory.");
     EXPECT_TRUE(m_folder.Files("missing").empty()) << "a failed open must not create the file";
+}
+
+// The box keeps its text; the information list says which folder refused the file, and why.
+TEST_F(ResultFileTest, AResultFileThatCannotBeCreatedNamesItsFolderAndTheCause) {
+    const std::string blocked = m_folder.Write("blocked", "a file where the folder should be");
+    AfxSetModuleDirectory(CString(blocked));
+    CString path;
+    EXPECT_EQ(m_dlg.CreateResultFile(&path), 0);
+    EXPECT_EQ(Boxes(), std::vector<std::string>{Box("Create Result File Failed!")});
+    const std::string line = LastInfoLine();
+    EXPECT_EQ(line.rfind("Cannot write ", 0), 0u) << line;
+    EXPECT_NE(line.find("_result.txt in " + blocked + "/: Not a directory."), std::string::npos) << line;
 }
 
 }  // namespace

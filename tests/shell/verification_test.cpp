@@ -180,6 +180,9 @@ TEST_F(VerificationTest, FilesThatCannotBeCreatedEndThePressWithTwoMessages) {
     std::filesystem::create_directory(m_dir + "/output.txt");  // a name taken by a directory
     m_dlg.OnVerification();
     EXPECT_EQ(Files().size(), 2u) << "the stamped file stays, empty";
+    platform::DrainGuiQueue();
+    EXPECT_EQ(m_dlg.Window()->Items(IDC_INFO_LIST).back(), "Cannot write output.txt in " + m_dir + "/: Is a directory.")
+        << "the information list names the folder and the cause";
     AfxSetModuleDirectory(CString(m_dir + "/missing"));
     m_dlg.OnVerification();
     EXPECT_FALSE(std::filesystem::exists(m_dir + "/missing"));
