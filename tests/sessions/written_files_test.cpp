@@ -1,5 +1,5 @@
 // What a session reads and writes, run through vantrel-session as a caller runs it: a script and a --dir whose
-// names are not UTF-8 and a --dir it can't use.
+// names are not UTF-8, a --dir it can't use, and the rows of a 1-D grid over the whole range of doubles.
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
@@ -7,9 +7,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cfloat>
 #include <climits>
+#include <cmath>
 #include <cstdlib>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -125,6 +128,31 @@ TEST(SessionFolders, DirectoryItCannotUseIsRefusedByNameAndNothingRuns) {
         EXPECT_EQ(session.out, std::vector<std::string>{}) << c.reason << ": the session ran";
         EXPECT_EQ(session.err, std::vector<std::string>{"cannot use --dir " + c.dir + ": " + c.reason});
     }
+}
+
+// A row's first number, the grid's input.
+double FirstNumber(const std::string& row) { return std::strtod(row.c_str(), nullptr); }
+
+TEST(SessionFolders, GridOverTheWholeRangeOfDoublesHasFiniteRisingInputsFromEndToEnd) {
+    const TempFolder folder;
+    folder.Write("data.txt", kData);
+    std::ostringstream script;
+    script.precision(17);
+    script << kTrainAndVerify << "click 1059\ndialog 138 set 1105 " << -DBL_MAX << " set 1106 " << DBL_MAX
+           << " set 1107 5 ok\nclick 1038\n";
+    const SessionOutput session = RunScript(folder, script.str());
+    ASSERT_EQ(session.out.size(), 2u);
+    const std::vector<std::string> rows = TempFolder::Lines(folder.Path() + "/output.txt");
+    ASSERT_EQ(rows.size(), 5u);
+    std::vector<double> inputs;
+    for (const std::string& row : rows) {
+        EXPECT_EQ(row.substr(row.find('\t')), "\t0.000000\t1.000000\t-1.000000\t") << row.substr(0, 40);
+        inputs.push_back(FirstNumber(row));
+    }
+    EXPECT_EQ(inputs.front(), -DBL_MAX);
+    EXPECT_EQ(inputs[2], 0.0);
+    EXPECT_EQ(inputs.back(), DBL_MAX);
+    for (size_t n = 1; n < inputs.size(); ++n) EXPECT_LT(inputs[n - 1], inputs[n]) << "point " << n;
 }
 
 }  // namespace
