@@ -1,6 +1,7 @@
 // The two output files of a verification, its patterns, their rows of text, and the loop that writes them.
 #include "files/verification.h"
 
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -43,8 +44,16 @@ double CGridAxis::At(UINT n) const {
     // One point has no step: (max - min) / 0 would make it NaN. A user who asks for one point expects the
     // one value the axis starts from, so the grid is its minimum.
     if (points <= 1) return min;
-    const double step = (max - min) / static_cast<double>(points - 1);
-    return n * step + min;
+    const double last = static_cast<double>(points - 1);
+    const double step = (max - min) / last;
+    // The points rise with n from min, so when the last one is finite every one is, and each keeps the value
+    // that min + n x step has always given. A range wider than the largest double (-1e308 to 1e308) has no
+    // finite step: its points are weighed between the two ends instead, which gives min and max exactly, and
+    // are kept within them, so that no rounding carries one past an end. Such a range is valid, so it gets its
+    // grid rather than a refusal that would call its maximum not larger than its minimum.
+    if (std::isfinite(last * step + min)) return n * step + min;
+    const double t = n / last;
+    return std::fmin(std::fmax(min * (1.0 - t) + max * t, min), max);
 }
 
 CPatternSet::CPatternSet(UINT nInputs, UINT nOutputs, std::size_t count, std::vector<double> inputs,

@@ -2,7 +2,8 @@
 # Builds the tests of the engine, the platform layer and the training runs, and the session runner, with
 # ThreadSanitizer (clang) in build-tsan; runs those tests, then stress sessions: Start and Stop over and over
 # for each algorithm, and the close box pressed during a run of each. Reports that lie wholly inside Qt's own
-# event posting are suppressed (tools/tsan.supp says why); any other report fails, and so does a failing test.
+# event posting are suppressed (tools/tsan.supp says why); any other report fails, and so does a test program
+# that does not reach its own end with every test run and passed, or a session that does not end well.
 #
 #   bash tools/tsan-check.sh [CYCLES]      (Start/Stop cycles per algorithm, 100 unless told)
 set -euo pipefail
@@ -17,12 +18,20 @@ cmake --build build-tsan -j2 --target vantrel-session test_engine test_platform 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 # Every report goes to a log of its own process; the run does not stop at the first, so that all are counted.
-export TSAN_OPTIONS="suppressions=$PWD/tools/tsan.supp log_path=$work/tsan halt_on_error=0 exitcode=0 print_suppressions=1"
+# The exit code stays the sanitizer's own (66): when its run-time gives up it ends the program with that code, and
+# a code of 0 would pass a program that died part way.
+export TSAN_OPTIONS="suppressions=$PWD/tools/tsan.supp log_path=$work/tsan halt_on_error=0 print_suppressions=1"
 export QT_QPA_PLATFORM=offscreen
 failed=0
+# Tests left out here, and why. A QProcess forks the threaded test program to start the desktop's opener; the
+# sanitizer's run-time fails in that fork and ends the program, so the opener's tests run in the other builds
+# only. (The engine's own fork test is compiled out under this sanitizer.)
+declare -A leftOut=([test_platform]="*/DesktopOpener.*")
 for test in test_engine test_platform test_training; do
   echo "+ $test"
-  build-tsan/tests/$test --gtest_brief=1 || failed=1
+  flags=(--gtest_brief=1)
+  [ -n "${leftOut[$test]:-}" ] && flags+=("--gtest_filter=-${leftOut[$test]}")
+  /usr/bin/python3 tools/judge-test-program.py "build-tsan/tests/$test" "${flags[@]}" || failed=1
 done
 
 # A set large enough that the accumulation splits its patterns over two threads in the second-order methods:
@@ -61,8 +70,10 @@ for session in "$work"/*.session; do
   build-tsan/vantrel-session --dir "$work" "$session" > /dev/null || failed=1
 done
 
-reports=$(cat "$work"/tsan.* 2>/dev/null | grep -c "^WARNING: ThreadSanitizer" || true)
-cat "$work"/tsan.* 2>/dev/null | grep -A1000 "^WARNING: ThreadSanitizer" | head -n 400 || true
+# A report is a warning, or the run-time's own failure, in any process, a forked child's too.
+report='^(WARNING|ERROR|FATAL): ThreadSanitizer|ThreadSanitizer: CHECK failed'
+reports=$(cat "$work"/tsan.* 2>/dev/null | grep -cE "$report" || true)
+cat "$work"/tsan.* 2>/dev/null | grep -A1000 -E "$report" | head -n 400 || true
 suppressed=$(cat "$work"/tsan.* 2>/dev/null | awk '/^ *[0-9]+ race:/ { n += $1 } END { print n + 0 }')
 echo "ThreadSanitizer: reports in our code: $reports; reports suppressed inside Qt's event posting: $suppressed"
 [ "$reports" = 0 ] && [ "$failed" = 0 ]

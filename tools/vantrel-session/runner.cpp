@@ -1,5 +1,6 @@
 #include "runner.h"
 
+#include <QBuffer>
 #include <QImage>
 #include <QPixmap>
 #include <QWidget>
@@ -7,6 +8,7 @@
 #include <iostream>
 
 #include "platform/dialogwindow.h"
+#include "platform/files.h"
 #include "platform/thread.h"
 #include "platform/uiqueue.h"
 #include "shell/mainwindow.h"
@@ -14,6 +16,18 @@
 namespace {
 
 void Print(const std::string& line) { std::cout << line << '\n' << std::flush; }
+
+// The picture goes to its path through the file layer: a Qt file name would change the bytes of a name that is
+// not UTF-8.
+bool SavePng(const QImage& picture, const std::string& path) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    if (!buffer.open(QIODevice::WriteOnly) || !picture.save(&buffer, "PNG")) return false;
+    CFile file;
+    if (!file.Open(path.c_str(), CFile::modeCreate)) return false;
+    const bool written = file.Write(png.constData(), static_cast<UINT>(png.size())) != FALSE;
+    return file.Close() != FALSE && written;
+}
 
 std::string Resolve(const std::string& path, const std::string& scriptDir) {
     if (path.empty() || path[0] == '/') return path;
@@ -141,7 +155,7 @@ private:
             QImage picture(widget->size() * ratio, QImage::Format_RGB32);
             picture.setDevicePixelRatio(ratio);
             widget->render(&picture);
-            if (!picture.save(QString::fromStdString(path), "PNG"))
+            if (!SavePng(picture, path))
                 return Fail(command, "cannot write " + path);
             Print("png " + std::to_string(id) + ": " + command.args[1]);
         }
