@@ -11,6 +11,7 @@
 #include "platform/files.h"
 #include "runner.h"
 #include "script.h"
+#include "shell/mainwindow.h"
 
 namespace {
 
@@ -57,6 +58,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName("Vantrel");
     AfxInitPlatform();
+    AfxSetResourceTable(VantrelResources());
     const std::string scriptDir = QFileInfo(QString::fromStdString(scriptPath)).absolutePath().toStdString();
     // A session given a directory of its own writes everything there, pictures too, and nothing beside the
     // script.
