@@ -1,10 +1,12 @@
-// The main dialog: start-up, the information list, the algorithm rules, the curve radios and the close.
+// The main dialog: its making and end, start-up, the information list, the algorithm rules, the curve radios
+// and the close.
 #include "shell/mainwindow.h"
 
 #include "platform/drawing.h"
 #include "platform/shared.h"
 #include "platform/thread.h"
 #include "shell/plotaxes.h"
+#include "shell/plots.h"
 
 namespace {
 
@@ -26,6 +28,20 @@ const char* const kWelcomeLines[] = {
 constexpr int kMaxInfoLines = 2000;
 
 }  // namespace
+
+CVantrelDlg::CVantrelDlg(CWnd* parent) : CDialog(IDD, parent) {
+    HandPainter(m_iterationPlot);
+    HandPainter(m_summaryPlot);
+    HandPainter(m_dataPlot);
+}
+
+CVantrelDlg::~CVantrelDlg() {
+    // A worker must never outlive the arrays it uses: the window's close waits for it, and so does this.
+    m_cancel.Abandon();
+    if (AfxRunningWorkers() > 0) AfxWaitForWorkers();
+    m_bTraining = false;
+    ReleaseArrays();
+}
 
 BEGIN_MESSAGE_MAP(CVantrelDlg, CDialog)
     ON_WM_SYSCOMMAND()

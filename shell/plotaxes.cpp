@@ -19,8 +19,6 @@ void NamePlot(CWnd& plot, const CString& title) {
 
 namespace {
 
-// Beyond this many decades a bound is not stepped to one decade at a time.
-constexpr double kFarDecades = 1000.0;
 // Pixels beyond this distance are all alike: far outside any surface, still a safe int.
 constexpr double kFarPixels = 1.0e6;
 
@@ -97,43 +95,6 @@ bool LogAxisPixel(double origin, double length, double value, double low, double
     if (value <= 0.0) return AxisPixel(origin, length, low, low, high, pixel);
     if (std::isinf(value)) return AxisPixel(origin, length, high, low, high, pixel);
     return AxisPixel(origin, length, std::log10(value), low, high, pixel);
-}
-
-bool PositiveExtremes(const CDoubleArray& values, int n, double* smallest, double* largest) {
-    bool found = false;
-    for (int i = 0; i < n; ++i) {
-        const double v = values.GetAt(i);
-        if (!(v > 0.0) || !std::isfinite(v)) continue;
-        if (!found || v < *smallest) *smallest = v;
-        if (!found || v > *largest) *largest = v;
-        found = true;
-    }
-    return found;
-}
-
-double RaiseBound(double bound, double exponent) {
-    if (std::isnan(exponent)) return bound;
-    if (std::isnan(bound) || (exponent > bound && (std::isinf(bound) || exponent - bound > kFarDecades)))
-        return std::ceil(exponent);
-    while (exponent > bound) bound += 1.0;
-    return bound;
-}
-
-double LowerBound(double bound, double exponent) {
-    if (std::isnan(exponent)) return bound;
-    if (std::isnan(bound) || (exponent < bound && (std::isinf(bound) || bound - exponent > kFarDecades)))
-        return std::floor(exponent);
-    while (exponent < bound) bound -= 1.0;
-    return bound;
-}
-
-double WidenXDecades(double bound, double largestX) {
-    if (!(largestX > 0.0) || !std::isfinite(largestX)) return bound;
-    const double exponent = std::log10(largestX);
-    if (bound == INFINITY) return bound;
-    if (std::isnan(bound) || bound == -INFINITY || exponent - bound > kFarDecades) bound = std::floor(exponent);
-    while (std::pow(10.0, bound) < largestX) bound += 1.0;
-    return bound;
 }
 
 }  // namespace plotaxes

@@ -1,18 +1,16 @@
-// The mapping of a value to a pixel that every plot uses, with the one clamp of far-off coordinates, and what
-// the two curve plots share: the frame of the plotting area, the decade grid of the error axis, the "10"
-// labels with their small exponents, and the widening of an axis range in whole decades.
+// The mapping of a value to a pixel that every plot's picture uses, with the one clamp of far-off coordinates,
+// and what the two curve plots draw alike: the frame of the plotting area, the decade grid of the error axis,
+// and the "10" labels with their small exponents.
 #pragma once
 
 #include "platform/drawing.h"
 #include "platform/window.h"
-#include "workspace/doublearray.h"
 
 namespace plotaxes {
 
 constexpr COLORREF kBlack = RGB(0, 0, 0);
 constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
 constexpr COLORREF kGrid = RGB(0xD2, 0xD2, 0xD2);
-constexpr COLORREF kCurve = RGB(0x00, 0x00, 0xFF);
 constexpr const char* kAxisFace = "Times New Roman";
 
 // The titles the curve plots draw above their frames; they also name the plots for assistive technology.
@@ -47,16 +45,5 @@ bool AxisPixel(double origin, double length, double value, double low, double hi
 // logarithm: it goes to the low end of the axis (an error of 0 lies on the floor of the plot), and +inf to
 // the high end.
 bool LogAxisPixel(double origin, double length, double value, double low, double high, long* pixel);
-
-// The smallest and largest of the first n elements that are positive finite numbers, the only ones with a
-// logarithm to plot; false when there are none.
-bool PositiveExtremes(const CDoubleArray& values, int n, double* smallest, double* largest);
-// bound + 1.0 as often as needed until it is at least exponent. A bound that is not finite, or too far
-// away to step to (a value a user typed), becomes the whole number above exponent at once.
-double RaiseBound(double bound, double exponent);
-// bound - 1.0 as often as needed until it is at most exponent; the same guards.
-double LowerBound(double bound, double exponent);
-// The exponent of the x axis's right end: + 1.0 while 10 to its power is below largestX.
-double WidenXDecades(double bound, double largestX);
 
 }  // namespace plotaxes
