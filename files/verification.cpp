@@ -5,9 +5,7 @@
 #include <utility>
 
 #include "files/resultfiles.h"
-#include "workspace/network.h"
 #include "platform/files.h"
-#include "workspace/workspace.h"
 
 namespace {
 
@@ -21,18 +19,12 @@ bool CreateEmpty(const CString& path) {
 
 }  // namespace
 
-int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
+OutputFiles CreateOutputFiles(CString& stampedPath, CString& outputPath) {
     const CString directory = ExecutableDirectory();
-    if (!CreateStampedFile("output.txt", *stampedPath)) {
-        MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
-        return 0;
-    }
-    *outputPath = directory + "output.txt";
-    if (!CreateEmpty(*outputPath)) {
-        MessageBox("Create Result File Failed (output.txt)!", "Error", MB_ICONHAND);
-        return 0;
-    }
-    return 1;
+    if (!CreateStampedFile("output.txt", stampedPath)) return OutputFiles::StampedFailed;
+    outputPath = directory + "output.txt";
+    if (!CreateEmpty(outputPath)) return OutputFiles::OutputFailed;
+    return OutputFiles::Made;
 }
 
 double CGridAxis::At(UINT n) const {
@@ -81,12 +73,12 @@ void AppendRow(std::string& row, const double* inputs, UINT nInputs, double targ
     row += "\r\n";
 }
 
-void WriteVerificationRows(const CVantrelDlg& dlg, const CPatternSet& set, CFile& first, CFile& second) {
+void WriteVerificationRows(const engine::CNetwork& network, const CPatternSet& set, CFile& first, CFile& second) {
     std::vector<double> x(set.Inputs());
     std::string row;
     for (std::size_t p = 0; p < set.Count(); ++p) {
         const double target = set.Pattern(p, x.data());
-        const double y = NetworkOutput(dlg, x.data());
+        const double y = engine::NetworkOutput(network, x.data(), network.nInputs, engine::CCancelToken::Never());
         row.clear();
         AppendRow(row, x.data(), set.Inputs(), target, y);
         for (CFile* file : {&first, &second}) {

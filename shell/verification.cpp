@@ -8,6 +8,7 @@
 #include "files/scanner.h"
 #include "files/verification.h"
 #include "platform/files.h"
+#include "workspace/network.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -119,10 +120,15 @@ void CVantrelDlg::OnVerification() {
     CPatternSet set;
     if (!BuildPatternSet(*this, set)) return;
     if (set.Count() > 0 && !NetworkFitsInputs(*this)) return;
-    WriteVerificationRows(*this, set, stamped, output);
+    WriteVerificationRows(NetworkOf(*this), set, stamped, output);
     // Each file that the disk could not take is named with its cause; an incomplete file is not shown as
     // the verification's result.
-    const bool stampedSaved = CloseWrittenFile(*this, stamped, stampedPath);
-    const bool outputSaved = CloseWrittenFile(*this, output, outputPath);
+    auto close = [this](CFile& file, const CString& path) {
+        const CString failure = CloseWrittenFile(file, path);
+        if (!failure.IsEmpty()) ShowError(*this, failure);
+        return failure.IsEmpty();
+    };
+    const bool stampedSaved = close(stamped, stampedPath);
+    const bool outputSaved = close(output, outputPath);
     if (stampedSaved && outputSaved) ShellExecuteA(nullptr, "open", stampedPath, nullptr, nullptr, SW_SHOW);
 }

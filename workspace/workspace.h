@@ -141,7 +141,7 @@ public:
     void OnOnlineTraining();
     int LoadOnlineData(CString* path);
 
-    // ---- files (files/) -----------------------------------------------------------------------------------------
+    // ---- result and output files (workspace/writtenfiles.cpp, on the formats of files/) ------------------------
     int CreateResultFile(CString* path);
     void WriteRunResults(CString* path, UINT units, UINT iterations, double error);
     void WriteErrCorResults(CString* path, UINT units, UINT iterations, double error);
