@@ -1,7 +1,13 @@
+// Chief header of files/ for what is written (scanner.h tells the folder and what is read):
+//   resultfiles.h   stamped names beside the executable, appends and closes that return their failure, and the
+//                   blocks of a result file
+//   verification.h  the two output files of a verification, its pattern sets and their rows
+// Written files lie beside the executable, have CR LF line ends and numbers in fixed notation. A writer owns
+// its CFile for one call; the paths belong to the caller.
+//
 // Result files: one text file per run with a block per trial (or per unit of the Error Correction
-// Algorithm), for people to read. Written beside the executable, CR LF line ends, numbers in fixed notation.
-// The workspace's members CreateResultFile, WriteRunResults and WriteErrCorResults build on the pieces
-// declared here and show what went wrong.
+// Algorithm), for people to read. The workspace's members CreateResultFile, WriteRunResults and
+// WriteErrCorResults (workspace/writtenfiles.cpp) build on the pieces declared here and show what went wrong.
 #pragma once
 
 #include <cstddef>
