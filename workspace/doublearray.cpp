@@ -15,8 +15,6 @@ int CDoubleArray::Add(double value) {
     return index;
 }
 
-void CDoubleArray::RemoveAll() { SetSize(0); }
-
 void CDoubleArray::SetSize(int newSize, int growBy) {
     if (growBy >= 0) m_nGrowBy = growBy;
     if (newSize <= 0) {
