@@ -41,3 +41,8 @@ void CDoubleArray::SetSize(int newSize, int growBy) {
     m_nMaxSize = capacity;
     m_nSize = newSize;
 }
+
+void CopyInto(CDoubleArray& target, const std::vector<double>& values) {
+    target.SetSize(static_cast<int>(values.size()));
+    for (size_t i = 0; i < values.size(); ++i) target.SetAt(static_cast<int>(i), values[i]);
+}

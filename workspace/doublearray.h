@@ -1,6 +1,8 @@
 // CDoubleArray: a growable array of doubles, for the plots' series and the error lists of a run.
 #pragma once
 
+#include <vector>
+
 class CDoubleArray {
 public:
     CDoubleArray() = default;
@@ -24,3 +26,6 @@ private:
     int m_nMaxSize = 0;
     int m_nGrowBy = 0;
 };
+
+// target becomes a copy of values: how a run's series and a plot's grid take the engine's vectors.
+void CopyInto(CDoubleArray& target, const std::vector<double>& values);

@@ -27,11 +27,6 @@ void EmptyAll(CDataPlot& plot) {
         series->SetSize(0);
 }
 
-void CopyInto(CDoubleArray& target, const std::vector<double>& values) {
-    target.SetSize(static_cast<int>(values.size()));
-    for (size_t i = 0; i < values.size(); ++i) target.SetAt(static_cast<int>(i), values[i]);
-}
-
 }  // namespace
 
 CAxisRange CPlotBase::LockedRange(const double& lower, const double& upper) {
