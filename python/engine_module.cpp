@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "engine/buffers.h"
+#include "engine/defaults.h"
 #include "engine/runs.h"
 #include "files/datafile.h"
 #include "files/paramfile.h"
@@ -282,4 +283,11 @@ PYBIND11_MODULE(_engine, m) {
     m.def("train", &Train, py::arg("X"), py::arg("y"), py::arg("network"), py::arg("options"),
           py::arg("callback"));
     m.def("predict", &Predict, py::arg("network"), py::arg("X"));
+    // The window's defaults, so that the estimators start where the window does.
+    m.def("default_iterations", &engine::DefaultIterations, py::arg("algorithm"));
+    m.attr("DEFAULTS") =
+        py::dict(py::arg("desired_error") = engine::kDefaultDesiredError, py::arg("trials") = engine::kDefaultTrials,
+                 py::arg("max_units") = engine::kDefaultMaxUnits,
+                 py::arg("learning_constant") = engine::kDefaultLearningConstant,
+                 py::arg("momentum") = engine::kDefaultMomentum);
 }

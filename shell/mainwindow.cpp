@@ -179,7 +179,7 @@ void CVantrelDlg::ApplyAlgorithmRules() {
     }
     plotaxes::NamePlot(m_summaryPlot, plotaxes::SummaryTitle(m_summaryPlot.m_nMode, m_summaryPlot.m_nMultiplier));
     // The default depends on the algorithm alone and replaces what the user had typed.
-    m_nIterations = (m_nAlgorithm == engine::kFirstOrder || m_nAlgorithm == engine::kImprovedFirstOrder) ? 100000 : 200;
+    m_nIterations = engine::DefaultIterations(m_nAlgorithm);
     UpdateData(FALSE);
 }
 

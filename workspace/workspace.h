@@ -17,6 +17,7 @@
 #include <atomic>
 
 #include "engine/cancel.h"
+#include "engine/defaults.h"
 #include "engine/network.h"
 #include "platform/window.h"
 #include "workspace/dialogs.h"
@@ -35,7 +36,7 @@ public:
     UINT m_nPatterns = 0;
     UINT m_nOutputs = 0;
     UINT m_nInputs = 0;
-    UINT m_nMaxUnits = 5;
+    UINT m_nMaxUnits = engine::kDefaultMaxUnits;
     UINT m_nParams = 0;
     // The number of inputs the network arrays were shaped for. Load Data changes m_nInputs and leaves the
     // network as it was, so the two can differ until the next Initialization or run.
@@ -74,8 +75,8 @@ public:
     int m_nAlgorithm = engine::kSecondOrder;  // an engine::Algorithm, int for the combo box's data exchange
 
     int m_nInfoLines = 0;
-    double m_dLearningConstant = 0.001;
-    double m_dMomentum = 0.5;
+    double m_dLearningConstant = engine::kDefaultLearningConstant;
+    double m_dMomentum = engine::kDefaultMomentum;
 
     // ---- dialogs ------------------------------------------------------------------------------------------
     CDataSetInfoDlg m_dlgDataSetInfo;
@@ -105,8 +106,8 @@ public:
     CIterationPlot m_iterationPlot;
 
     // ---- values exchanged with the main dialog's controls ----------------------------------------------------
-    double m_dDesiredError = 0.0001;
-    UINT m_nIterations = 200;
+    double m_dDesiredError = engine::kDefaultDesiredError;
+    UINT m_nIterations = engine::DefaultIterations(engine::kSecondOrder);
     CString m_strDataTitle;
     UINT m_nCurrentIteration = 0;
     double m_dPartialError = 0.0;
@@ -114,7 +115,7 @@ public:
     UINT m_nUnits = 0;
     double m_dTotalError = 0.0;
     double m_dTotalTime = 0.0;
-    UINT m_nTrials = 1;
+    UINT m_nTrials = engine::kDefaultTrials;
     int m_bOnline = 0;
     int m_bSaveResults = 0;
     CString m_strInfoEntry;
