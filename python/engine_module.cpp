@@ -39,15 +39,9 @@ std::vector<double> ToVector(const Array& a) { return std::vector<double>(a.data
 
 // (X, y) of a file of patterns, or ValueError with the message the window shows for it.
 py::tuple LoadData(const std::string& path) {
-    std::string text;
-    const ReadTextResult read = ReadScanText(path.c_str(), text);
-    if (read != ReadTextResult::Ok)
-        throw py::value_error(read == ReadTextResult::CannotOpen ? kCannotOpenFile : kDataSetTooLarge);
     CPatternRows rows;
-    if (!ReadPatterns(text, rows)) throw py::value_error(kDataSetTooLarge);
-    if (rows.values != rows.inputs.size() + rows.targets.size()) throw py::value_error(kDataFileIncomplete);
-    if (rows.shape.patterns == 0) throw py::value_error(kNoPatterns);
-    if (rows.nInputs == 0) throw py::value_error(kNoInputs);
+    const DataSetStatus status = ReadDataSet(path.c_str(), rows);
+    if (status != DataSetStatus::Ok) throw py::value_error(DataSetMessage(status));
     const auto patterns = static_cast<py::ssize_t>(rows.shape.patterns);
     return py::make_tuple(ToArray(rows.inputs, {patterns, static_cast<py::ssize_t>(rows.nInputs)}),
                           ToArray(rows.targets, {patterns}));
