@@ -22,6 +22,7 @@
 #include <QWindow>
 
 #include "platform/fonts.h"
+#include "platform/linecontrols.h"
 #include "platform/prompt.h"
 #include "platform/qtaccess.h"
 #include "platform/window.h"
@@ -78,33 +79,6 @@ protected:
 };
 
 QString QtText(const char* text) { return QString::fromLatin1(text != nullptr ? text : ""); }
-
-// Where a line goes among count lines kept in order, ignoring case: after the last one that does not sort
-// after it, so that equal lines stay in the order they came.
-template <class LineAt>
-int SortedPlace(int count, const QString& line, LineAt lineAt) {
-    int low = 0, high = count;
-    while (low < high) {
-        const int middle = (low + high) / 2;
-        if (QString::compare(lineAt(middle), line, Qt::CaseInsensitive) <= 0) low = middle + 1;
-        else high = middle;
-    }
-    return low;
-}
-
-bool CarriesLine(UINT message) {
-    return message == LB_ADDSTRING || message == LB_INSERTSTRING || message == CB_ADDSTRING ||
-           message == CB_INSERTSTRING;
-}
-
-// The index a line message puts its line at, or -1 for a message that puts none.
-template <class LineAt>
-int LinePlace(UINT message, WPARAM wParam, int count, bool sorted, const QString& line, LineAt lineAt) {
-    if (!CarriesLine(message)) return -1;
-    if (message == LB_ADDSTRING || message == CB_ADDSTRING) return sorted ? SortedPlace(count, line, lineAt) : count;
-    const int index = static_cast<int>(wParam);
-    return (index < 0 || index > count) ? count : index;
-}
 
 }  // namespace
 
@@ -453,63 +427,14 @@ LRESULT DialogWindow::Send(int id, UINT message, WPARAM wParam, LPARAM lParam) {
         return 0;
     }
     const ControlTemplate* control = AfxFindControlTemplate(m_template, id);
-    const UINT style = control != nullptr ? control->style : 0;
-    if (auto* list = qobject_cast<QListWidget*>(widget)) {
-        const int count = list->count();
-        const QString line = QtText(CarriesLine(message) ? reinterpret_cast<const char*>(lParam) : nullptr);
-        const int place = LinePlace(message, wParam, count, (style & LBS_SORT) != 0, line,
-                                    [list](int i) { return list->item(i)->text(); });
-        if (place >= 0) {
-            list->insertItem(place, line);
-            return place;
-        }
-        switch (message) {
-            case LB_RESETCONTENT: list->clear(); return 0;
-            case LB_SETCURSEL:
-                list->setCurrentRow(static_cast<int>(wParam));
-                if (list->currentItem() != nullptr) list->scrollToItem(list->currentItem());
-                return list->currentRow();
-            case LB_GETCURSEL: return list->currentRow();
-            case LB_GETCOUNT: return count;
-            default: return 0;
-        }
-    }
-    if (auto* combo = qobject_cast<QComboBox*>(widget)) {
-        const int count = combo->count();
-        const QString line = QtText(CarriesLine(message) ? reinterpret_cast<const char*>(lParam) : nullptr);
-        const int place = LinePlace(message, wParam, count, (style & CBS_SORT) != 0, line,
-                                    [combo](int i) { return combo->itemText(i); });
-        if (place >= 0) {
-            combo->insertItem(place, line);
-            return place;
-        }
-        switch (message) {
-            case CB_RESETCONTENT: combo->clear(); return 0;
-            case CB_SETCURSEL: combo->setCurrentIndex(static_cast<int>(wParam)); return combo->currentIndex();
-            case CB_GETCURSEL: return combo->currentIndex();
-            case CB_GETCOUNT: return count;
-            default: return 0;
-        }
-    }
-    return 0;
+    LRESULT result = 0;
+    SendToLines(widget, control != nullptr ? control->style : 0, message, wParam, lParam, &result);
+    return result;
 }
 
-std::vector<std::string> DialogWindow::Items(int id) const {
-    std::vector<std::string> items;
-    QWidget* widget = Control(id);
-    if (auto* list = qobject_cast<QListWidget*>(widget))
-        for (int i = 0; i < list->count(); ++i) items.push_back(list->item(i)->text().toStdString());
-    if (auto* combo = qobject_cast<QComboBox*>(widget))
-        for (int i = 0; i < combo->count(); ++i) items.push_back(combo->itemText(i).toStdString());
-    return items;
-}
+std::vector<std::string> DialogWindow::Items(int id) const { return LinesOf(Control(id)); }
 
-int DialogWindow::SelectedIndex(int id) const {
-    QWidget* widget = Control(id);
-    if (auto* list = qobject_cast<QListWidget*>(widget)) return list->currentRow();
-    if (auto* combo = qobject_cast<QComboBox*>(widget)) return combo->currentIndex();
-    return -1;
-}
+int DialogWindow::SelectedIndex(int id) const { return SelectedLine(Control(id)); }
 
 void DialogWindow::closeEvent(QCloseEvent* event) {
     // The dialog decides: its close handler ends it through EndDialog, or keeps it open.
