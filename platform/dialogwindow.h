@@ -86,7 +86,6 @@ protected:
 private:
     void ComputeBaseUnits();
     void FitToScreen();
-    QWidget* CreateControl(const ControlTemplate& control);
     void Connect(const ControlTemplate& control, QWidget* widget);
     void CheckRadioInGroup(int id);
     void GroupRadios();
