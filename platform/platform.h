@@ -5,8 +5,9 @@
 //                          the executable's directory), clock.h (the millisecond tick, CTime)
 //   windows from templates templates.h (the resource tables; the application hands its own over at start-up),
 //                          window.h (CWnd, CDialog, the control wrappers, CMenu, CFileDialog, message maps),
-//                          app.h (CWinApp); the Qt side: dialoglink.h, dialogwindow.h and the keyboard,
-//                          accessibility and fonts of a built window
+//                          app.h (CWinApp); the Qt side: dialoglink.h, dialogwindow.h, controlwidgets.h
+//                          (a widget per kind of control), linecontrols.h (the lines of list and combo
+//                          boxes), and the keyboard, accessibility and fonts of a built window
 //   data exchange          window.h's DDX_Text, DDX_Check, DDX_Radio, DDX_Control (ddx.cpp)
 //   drawing                drawing.h (CDC, CPaintDC), gdiobjects.h (CPen, CBrush, CFont, CBitmap); inside:
 //                          dcstate.h, raster.h, qtaccess.h (icons)
