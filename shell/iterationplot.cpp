@@ -10,58 +10,37 @@ using namespace plotaxes;
 
 namespace {
 
+// Three decades of iterations: their lines of 1 to 10 times each power of ten, a "10" below each decade line
+// and its exponent beside it.
 void DrawAxes(CIterationPlot& plot, CDC* dc, const RECT& rc) {
-    ClearClient(dc, rc);
-    CFont titleFont;
-    titleFont.CreatePointFont(110, kAxisFace);
-    CFont* oldFont = dc->SelectObject(&titleFont);
-    dc->SetTextColor(kBlack);
-    RECT title{rc.left + 40, rc.top, rc.right, rc.top + 20};
-    dc->DrawText(kIterationTitle, &title, DT_CENTER);
-
-    CPen framePen(PS_SOLID, 2, kBlack);
-    CPen* oldPen = dc->SelectObject(&framePen);
-    plot.m_rcPlot = PlotFrame(rc);
-    const RECT& f = plot.m_rcPlot;
-    const int h = static_cast<int>((f.bottom - f.top) / 4);
-    const int w = static_cast<int>((f.right - f.left) / 3);
-
-    CPen gridPen(PS_DOT, 1, kGrid);
-    dc->SelectObject(&gridPen);
-    DrawDecadeRows(dc, f, h, 4);
-    // Four passes over three decades: the lines of the fourth lie beyond the frame and are clipped there.
-    for (int i = 0; i <= 3; ++i) {
-        const long x0 = f.left + i * w;
-        dc->MoveTo(static_cast<int>(x0), static_cast<int>(f.top));
-        dc->LineTo(static_cast<int>(x0), static_cast<int>(f.bottom));
-        for (int k = 1; k <= 10; ++k) {
-            const int x = static_cast<int>(x0 + std::log10(static_cast<double>(k)) * w);
-            dc->MoveTo(x, static_cast<int>(f.top));
-            dc->LineTo(x, static_cast<int>(f.bottom));
+    auto decadeWidth = [](const RECT& f) { return static_cast<int>((f.right - f.left) / 3); };
+    CXAxisDrawing x;
+    x.grid = [decadeWidth](CDC* dc, const RECT& f) {
+        const int w = decadeWidth(f);
+        // Four passes over three decades: the lines of the fourth lie beyond the frame and are clipped there.
+        for (int i = 0; i <= 3; ++i) {
+            const long x0 = f.left + i * w;
+            dc->MoveTo(static_cast<int>(x0), static_cast<int>(f.top));
+            dc->LineTo(static_cast<int>(x0), static_cast<int>(f.bottom));
+            for (int k = 1; k <= 10; ++k) {
+                const int x = static_cast<int>(x0 + std::log10(static_cast<double>(k)) * w);
+                dc->MoveTo(x, static_cast<int>(f.top));
+                dc->LineTo(x, static_cast<int>(f.bottom));
+            }
         }
-    }
-
-    CFont labelFont;
-    labelFont.CreatePointFont(100, kAxisFace);
-    dc->SelectObject(&labelFont);
-    WriteDecadeTens(dc, rc, f, h, 4);
-    for (int i = 0; i <= 3; ++i)
-        dc->TextOut(static_cast<int>(f.left - 11 + i * w), static_cast<int>(f.bottom + 4), "10");
-
-    CFont exponentFont;
-    exponentFont.CreatePointFont(70, kAxisFace);
-    dc->SelectObject(&exponentFont);
-    for (int i = 0; i <= 3; ++i) {
-        CString text;
-        text.Format("%.1f", (plot.m_dXMax - plot.m_dXMin) * i * (1.0 / 3) + plot.m_dXMin);
-        dc->TextOut(static_cast<int>(f.left + i * w + 1), static_cast<int>(f.bottom), text);
-    }
-    WriteYExponents(dc, rc, f, h, 4, plot.m_dYMax, plot.m_dYMin, 0.25);
-
-    dc->SelectObject(&framePen);
-    DrawFrame(dc, f);
-    dc->SelectObject(oldFont);
-    dc->SelectObject(oldPen);
+    };
+    x.labels = [decadeWidth](CDC* dc, const RECT& f) {
+        for (int i = 0; i <= 3; ++i)
+            dc->TextOut(static_cast<int>(f.left - 11 + i * decadeWidth(f)), static_cast<int>(f.bottom + 4), "10");
+    };
+    x.exponents = [&plot, decadeWidth](CDC* dc, const RECT& f) {
+        for (int i = 0; i <= 3; ++i) {
+            CString text;
+            text.Format("%.1f", (plot.m_dXMax - plot.m_dXMin) * i * (1.0 / 3) + plot.m_dXMin);
+            dc->TextOut(static_cast<int>(f.left + i * decadeWidth(f) + 1), static_cast<int>(f.bottom), text);
+        }
+    };
+    plot.m_rcPlot = DrawCurveAxes(dc, rc, kIterationTitle, 4, plot.m_dYMax, plot.m_dYMin, 0.25, x);
 }
 
 // The pixel of a point; false when it has none (a coordinate that is not a number).

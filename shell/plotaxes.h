@@ -3,6 +3,8 @@
 // and the "10" labels with their small exponents.
 #pragma once
 
+#include <functional>
+
 #include "platform/drawing.h"
 #include "platform/window.h"
 
@@ -19,20 +21,21 @@ CString SummaryTitle(int mode, int multiplier);
 // Names plot by its title for assistive technology, when it has a window. Main thread.
 void NamePlot(CWnd& plot, const CString& title);
 
-// The plotting area within the client rectangle c.
-RECT PlotFrame(const RECT& c);
-// Transparent text background, and c filled with white.
-void ClearClient(CDC* dc, const RECT& c);
-// The horizontal grid of a logarithmic axis over the given number of decades of h pixels each, from the
-// bottom: per decade its bottom line and the lines of 1 to 10 times its power of ten.
-void DrawDecadeRows(CDC* dc, const RECT& frame, int h, int decades);
-// "10" at the left of each decade line, decades + 1 of them.
-void WriteDecadeTens(CDC* dc, const RECT& c, const RECT& frame, int h, int decades);
-// The exponents beside the "10"s: yMax - (yMax - yMin) * i * fraction with "%.2f", top down.
-void WriteYExponents(CDC* dc, const RECT& c, const RECT& frame, int h, int decades, double yMax, double yMin,
-                     double fraction);
-// The frame, with the pen that is selected: (L, T), (L, B), (R, B), (R, T), (L, T).
-void DrawFrame(CDC* dc, const RECT& frame);
+// What sets a curve plot's x axis apart, each drawn into the plotting area f: its grid lines (with the grid
+// pen selected), its labels (with the label font) and the exponents beside them (with the exponent font; a
+// linear axis has none).
+struct CXAxisDrawing {
+    std::function<void(CDC* dc, const RECT& f)> grid;
+    std::function<void(CDC* dc, const RECT& f)> labels;
+    std::function<void(CDC* dc, const RECT& f)> exponents;
+};
+
+// The axes of a curve plot in the client rectangle c, drawn in this order: the client cleared, the title over
+// the frame, the decade grid of the error axis (decades rows; exponents from yMax down by fraction of the
+// range a row) and the x axis's grid lines, the "10"s and the x labels, the exponents, and last the frame.
+// Returns the plotting area.
+RECT DrawCurveAxes(CDC* dc, const RECT& c, const CString& title, int decades, double yMax, double yMin,
+                   double fraction, const CXAxisDrawing& x);
 
 // A coordinate truncated to a pixel. Coordinates far outside any surface are all alike: they are clamped to
 // one far off, which is still a safe int.

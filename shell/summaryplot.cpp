@@ -10,53 +10,29 @@ using namespace plotaxes;
 
 namespace {
 
+// A linear x axis of ten steps: a grid line at each step between the edges, and the numbers 0 to 10 below.
 void DrawAxes(CSummaryPlot& plot, CDC* dc, const RECT& rc) {
-    ClearClient(dc, rc);
-    CFont titleFont;
-    titleFont.CreatePointFont(110, kAxisFace);
-    CFont* oldFont = dc->SelectObject(&titleFont);
-    dc->SetTextColor(kBlack);
-    const CString titleText = SummaryTitle(plot.m_nMode, plot.m_nMultiplier);
-    NamePlot(plot, titleText);
-    RECT title{rc.left + 40, rc.top, rc.right, rc.top + 20};
-    dc->DrawText(titleText, &title, DT_CENTER);
-
-    CPen framePen(PS_SOLID, 2, kBlack);
-    CPen* oldPen = dc->SelectObject(&framePen);
-    plot.m_rcPlot = PlotFrame(rc);
-    const RECT& f = plot.m_rcPlot;
-    const int h = static_cast<int>((f.bottom - f.top) / 5);
-    const int w = static_cast<int>((f.right - f.left) / 10);
-
-    CPen gridPen(PS_DOT, 1, kGrid);
-    dc->SelectObject(&gridPen);
-    DrawDecadeRows(dc, f, h, 5);
-    for (int j = 1; j <= 9; ++j) {
-        dc->MoveTo(static_cast<int>(f.left + j * w), static_cast<int>(f.top));
-        dc->LineTo(static_cast<int>(f.left + j * w), static_cast<int>(f.bottom));
-    }
-
-    CFont labelFont;
-    labelFont.CreatePointFont(100, kAxisFace);
-    dc->SelectObject(&labelFont);
-    WriteDecadeTens(dc, rc, f, h, 5);
+    auto stepWidth = [](const RECT& f) { return static_cast<int>((f.right - f.left) / 10); };
+    CXAxisDrawing x;
+    x.grid = [stepWidth](CDC* dc, const RECT& f) {
+        const int w = stepWidth(f);
+        for (int j = 1; j <= 9; ++j) {
+            dc->MoveTo(static_cast<int>(f.left + j * w), static_cast<int>(f.top));
+            dc->LineTo(static_cast<int>(f.left + j * w), static_cast<int>(f.bottom));
+        }
+    };
     // The numbers always read 0 to 10; the title's multiplier says what they count.
-    for (int j = 0; j <= 10; ++j) {
-        CString text;
-        text.Format("%d", j);
-        const int shift = j == 10 ? 4 : 3;
-        dc->TextOut(static_cast<int>(f.left + j * w - shift), static_cast<int>(f.bottom + 4), text);
-    }
-
-    CFont exponentFont;
-    exponentFont.CreatePointFont(70, kAxisFace);
-    dc->SelectObject(&exponentFont);
-    WriteYExponents(dc, rc, f, h, 5, plot.m_dYMax, plot.m_dYMin, 0.2);
-
-    dc->SelectObject(&framePen);
-    DrawFrame(dc, f);
-    dc->SelectObject(oldFont);
-    dc->SelectObject(oldPen);
+    x.labels = [stepWidth](CDC* dc, const RECT& f) {
+        for (int j = 0; j <= 10; ++j) {
+            CString text;
+            text.Format("%d", j);
+            const int shift = j == 10 ? 4 : 3;
+            dc->TextOut(static_cast<int>(f.left + j * stepWidth(f) - shift), static_cast<int>(f.bottom + 4), text);
+        }
+    };
+    const CString title = SummaryTitle(plot.m_nMode, plot.m_nMultiplier);
+    NamePlot(plot, title);
+    plot.m_rcPlot = DrawCurveAxes(dc, rc, title, 5, plot.m_dYMax, plot.m_dYMin, 0.2, x);
 }
 
 bool MapPoint(const CSummaryPlot& plot, double x, double y, CPoint* point) {
