@@ -10,10 +10,11 @@ constexpr COLORREF kCurve = RGB(0x00, 0x00, 0xFF);
 
 }  // namespace
 
-CIterationPlot::CIterationPlot() { m_penCurve.CreatePen(PS_SOLID, 1, kCurve); }
+CCurvePlot::CCurvePlot(double yMin) : m_dYMin(yMin) { m_penCurve.CreatePen(PS_SOLID, 1, kCurve); }
 
-CSummaryPlot::CSummaryPlot() {
-    m_penCurve.CreatePen(PS_SOLID, 1, kCurve);
+CIterationPlot::CIterationPlot() : CCurvePlot(-3.0) {}
+
+CSummaryPlot::CSummaryPlot() : CCurvePlot(-4.0) {
     m_penMarker.CreatePen(PS_SOLID, 1, RGB(0xFF, 0x00, 0x00));
     m_brushMarker.CreateSolidBrush(RGB(0x00, 0xFF, 0x00));
 }

@@ -49,56 +49,55 @@ private:
     CPlotPainter m_painter;
 };
 
-class CIterationPlot : public CPlotBase {
+// What the two curve plots share: a series of (x, y) pairs drawn in a frame over a logarithmic error axis.
+class CCurvePlot : public CPlotBase {
 public:
-    CIterationPlot();
-    // Appends (i + 1, errors[i]) for every error; restart empties the series first (One Curve).
-    void AppendCurve(const CDoubleArray& errors, bool restart);
     void ClearSeries();
-    CAxisRange XRange();
-    void SetXRange(const CAxisRange& range);
     CAxisRange YRange();
     void SetYRange(const CAxisRange& range);
-    // Sets the mode, widens (modes 0, 1) or fits (mode 2) the ranges to the series, repaints.
-    void RefreshIterationPlot(int nMode);
 
     RECT m_rcPlot{};
     CDoubleArray m_arrX;
     CDoubleArray m_arrY;
     CPen m_penCurve;
     double m_dYMax = 1.0;
-    double m_dYMin = -3.0;
+    double m_dYMin;
+    int m_nMode = 0;
+
+protected:
+    explicit CCurvePlot(double yMin);
+};
+
+class CIterationPlot : public CCurvePlot {
+public:
+    CIterationPlot();
+    // Appends (i + 1, errors[i]) for every error; restart empties the series first (One Curve).
+    void AppendCurve(const CDoubleArray& errors, bool restart);
+    CAxisRange XRange();
+    void SetXRange(const CAxisRange& range);
+    // Sets the mode, widens (modes 0, 1) or fits (mode 2) the ranges to the series, repaints.
+    void RefreshIterationPlot(int nMode);
+
     double m_dXMax = 3.0;
     double m_dXMin = 0.0;
-    int m_nMode = 0;
 
 private:
     void FitRanges();
 };
 
-class CSummaryPlot : public CPlotBase {
+class CSummaryPlot : public CCurvePlot {
 public:
     CSummaryPlot();
     // The series become (i + 1, errors[i]) for every error.
     void SetPoints(const CDoubleArray& errors);
-    void ClearSeries();
-    CAxisRange YRange();
-    void SetYRange(const CAxisRange& range);
     int Multiplier();
     void SetMultiplier(int nMultiplier);
     // Sets multiplier and mode, widens the y range to the series, repaints.
     void SetSummaryAxis(int nMultiplier, int nMode);
 
-    RECT m_rcPlot{};
-    CDoubleArray m_arrX;
-    CDoubleArray m_arrY;
-    CPen m_penCurve;
     CPen m_penMarker;
     CBrush m_brushMarker;
-    double m_dYMax = 1.0;
-    double m_dYMin = -4.0;
     int m_nMultiplier = 1;
-    int m_nMode = 0;
 };
 
 class CDataPlot : public CPlotBase {
