@@ -13,10 +13,9 @@ namespace {
 // Three decades of iterations: their lines of 1 to 10 times each power of ten, a "10" below each decade line
 // and its exponent beside it.
 void DrawAxes(CIterationPlot& plot, CDC* dc, const RECT& rc) {
-    auto decadeWidth = [](const RECT& f) { return static_cast<int>((f.right - f.left) / 3); };
-    CXAxisDrawing x;
-    x.grid = [decadeWidth](CDC* dc, const RECT& f) {
-        const int w = decadeWidth(f);
+    CXAxisDrawing xAxis;
+    xAxis.steps = 3;
+    xAxis.grid = [](CDC* dc, const RECT& f, int w) {
         // Four passes over three decades: the lines of the fourth lie beyond the frame and are clipped there.
         for (int i = 0; i <= 3; ++i) {
             const long x0 = f.left + i * w;
@@ -29,18 +28,18 @@ void DrawAxes(CIterationPlot& plot, CDC* dc, const RECT& rc) {
             }
         }
     };
-    x.labels = [decadeWidth](CDC* dc, const RECT& f) {
+    xAxis.labels = [](CDC* dc, const RECT& f, int w) {
         for (int i = 0; i <= 3; ++i)
-            dc->TextOut(static_cast<int>(f.left - 11 + i * decadeWidth(f)), static_cast<int>(f.bottom + 4), "10");
+            dc->TextOut(static_cast<int>(f.left - 11 + i * w), static_cast<int>(f.bottom + 4), "10");
     };
-    x.exponents = [&plot, decadeWidth](CDC* dc, const RECT& f) {
+    xAxis.exponents = [&plot](CDC* dc, const RECT& f, int w) {
         for (int i = 0; i <= 3; ++i) {
             CString text;
             text.Format("%.1f", (plot.m_dXMax - plot.m_dXMin) * i * (1.0 / 3) + plot.m_dXMin);
-            dc->TextOut(static_cast<int>(f.left + i * decadeWidth(f) + 1), static_cast<int>(f.bottom), text);
+            dc->TextOut(static_cast<int>(f.left + i * w + 1), static_cast<int>(f.bottom), text);
         }
     };
-    plot.m_rcPlot = DrawCurveAxes(dc, rc, kIterationTitle, 4, plot.m_dYMax, plot.m_dYMin, 0.25, x);
+    plot.m_rcPlot = DrawCurveAxes(dc, rc, kIterationTitle, 4, plot.m_dYMax, plot.m_dYMin, 0.25, xAxis);
 }
 
 // The pixel of a point; false when it has none (a coordinate that is not a number).

@@ -97,22 +97,23 @@ RECT DrawCurveAxes(CDC* dc, const RECT& c, const CString& title, int decades, do
     CPen* oldPen = dc->SelectObject(&framePen);
     const RECT f = PlotFrame(c);
     const int h = static_cast<int>((f.bottom - f.top) / decades);
+    const int w = static_cast<int>((f.right - f.left) / x.steps);
 
     CPen gridPen(PS_DOT, 1, kGrid);
     dc->SelectObject(&gridPen);
     DrawDecadeRows(dc, f, h, decades);
-    x.grid(dc, f);
+    x.grid(dc, f, w);
 
     CFont labelFont;
     labelFont.CreatePointFont(100, kAxisFace);
     dc->SelectObject(&labelFont);
     WriteDecadeTens(dc, c, f, h, decades);
-    x.labels(dc, f);
+    x.labels(dc, f, w);
 
     CFont exponentFont;
     exponentFont.CreatePointFont(70, kAxisFace);
     dc->SelectObject(&exponentFont);
-    if (x.exponents) x.exponents(dc, f);
+    if (x.exponents) x.exponents(dc, f, w);
     WriteYExponents(dc, c, f, h, decades, yMax, yMin, fraction);
 
     dc->SelectObject(&framePen);

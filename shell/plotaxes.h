@@ -21,13 +21,15 @@ CString SummaryTitle(int mode, int multiplier);
 // Names plot by its title for assistive technology, when it has a window. Main thread.
 void NamePlot(CWnd& plot, const CString& title);
 
-// What sets a curve plot's x axis apart, each drawn into the plotting area f: its grid lines (with the grid
-// pen selected), its labels (with the label font) and the exponents beside them (with the exponent font; a
-// linear axis has none).
+// What sets a curve plot's x axis apart: the steps its width falls into, and what is drawn into the plotting
+// area f with w, the width of a step: its grid lines (with the grid pen selected), its labels (with the label
+// font) and the exponents beside them (with the exponent font; a linear axis has none).
 struct CXAxisDrawing {
-    std::function<void(CDC* dc, const RECT& f)> grid;
-    std::function<void(CDC* dc, const RECT& f)> labels;
-    std::function<void(CDC* dc, const RECT& f)> exponents;
+    using Part = std::function<void(CDC* dc, const RECT& f, int w)>;
+    int steps;
+    Part grid;
+    Part labels;
+    Part exponents;
 };
 
 // The axes of a curve plot in the client rectangle c, drawn in this order: the client cleared, the title over

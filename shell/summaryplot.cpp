@@ -12,27 +12,26 @@ namespace {
 
 // A linear x axis of ten steps: a grid line at each step between the edges, and the numbers 0 to 10 below.
 void DrawAxes(CSummaryPlot& plot, CDC* dc, const RECT& rc) {
-    auto stepWidth = [](const RECT& f) { return static_cast<int>((f.right - f.left) / 10); };
-    CXAxisDrawing x;
-    x.grid = [stepWidth](CDC* dc, const RECT& f) {
-        const int w = stepWidth(f);
+    CXAxisDrawing xAxis;
+    xAxis.steps = 10;
+    xAxis.grid = [](CDC* dc, const RECT& f, int w) {
         for (int j = 1; j <= 9; ++j) {
             dc->MoveTo(static_cast<int>(f.left + j * w), static_cast<int>(f.top));
             dc->LineTo(static_cast<int>(f.left + j * w), static_cast<int>(f.bottom));
         }
     };
     // The numbers always read 0 to 10; the title's multiplier says what they count.
-    x.labels = [stepWidth](CDC* dc, const RECT& f) {
+    xAxis.labels = [](CDC* dc, const RECT& f, int w) {
         for (int j = 0; j <= 10; ++j) {
             CString text;
             text.Format("%d", j);
             const int shift = j == 10 ? 4 : 3;
-            dc->TextOut(static_cast<int>(f.left + j * stepWidth(f) - shift), static_cast<int>(f.bottom + 4), text);
+            dc->TextOut(static_cast<int>(f.left + j * w - shift), static_cast<int>(f.bottom + 4), text);
         }
     };
     const CString title = SummaryTitle(plot.m_nMode, plot.m_nMultiplier);
     NamePlot(plot, title);
-    plot.m_rcPlot = DrawCurveAxes(dc, rc, title, 5, plot.m_dYMax, plot.m_dYMin, 0.2, x);
+    plot.m_rcPlot = DrawCurveAxes(dc, rc, title, 5, plot.m_dYMax, plot.m_dYMin, 0.2, xAxis);
 }
 
 bool MapPoint(const CSummaryPlot& plot, double x, double y, CPoint* point) {
