@@ -10,35 +10,33 @@ using namespace plotaxes;
 
 namespace {
 
-// Three decades of iterations: their lines of 1 to 10 times each power of ten, a "10" below each decade line
-// and its exponent beside it.
+// The x axis: three decades of iterations, each with its lines of 1 to 10 times its power of ten. Four passes
+// over three decades: the lines of the fourth lie beyond the frame and are clipped there.
+void DrawDecadeLines(CDC* dc, const RECT& f, int w) {
+    for (int i = 0; i <= 3; ++i) {
+        const long x0 = f.left + i * w;
+        VerticalLine(dc, f, x0);
+        for (int k = 1; k <= 10; ++k)
+            VerticalLine(dc, f, static_cast<int>(x0 + std::log10(static_cast<double>(k)) * w));
+    }
+}
+
+// A "10" below each decade line.
+void WriteDecadeLabels(CDC* dc, const RECT& f, int w) {
+    for (int i = 0; i <= 3; ++i)
+        dc->TextOut(static_cast<int>(f.left - 11 + i * w), static_cast<int>(f.bottom + 4), "10");
+}
+
 void DrawAxes(CIterationPlot& plot, CDC* dc, const RECT& rc) {
-    CXAxisDrawing xAxis;
-    xAxis.steps = 3;
-    xAxis.grid = [](CDC* dc, const RECT& f, int w) {
-        // Four passes over three decades: the lines of the fourth lie beyond the frame and are clipped there.
-        for (int i = 0; i <= 3; ++i) {
-            const long x0 = f.left + i * w;
-            dc->MoveTo(static_cast<int>(x0), static_cast<int>(f.top));
-            dc->LineTo(static_cast<int>(x0), static_cast<int>(f.bottom));
-            for (int k = 1; k <= 10; ++k) {
-                const int x = static_cast<int>(x0 + std::log10(static_cast<double>(k)) * w);
-                dc->MoveTo(x, static_cast<int>(f.top));
-                dc->LineTo(x, static_cast<int>(f.bottom));
-            }
-        }
-    };
-    xAxis.labels = [](CDC* dc, const RECT& f, int w) {
-        for (int i = 0; i <= 3; ++i)
-            dc->TextOut(static_cast<int>(f.left - 11 + i * w), static_cast<int>(f.bottom + 4), "10");
-    };
-    xAxis.exponents = [&plot](CDC* dc, const RECT& f, int w) {
+    // The exponent beside each "10", from the plot's x range.
+    auto writeExponents = [&plot](CDC* to, const RECT& f, int w) {
         for (int i = 0; i <= 3; ++i) {
             CString text;
             text.Format("%.1f", (plot.m_dXMax - plot.m_dXMin) * i * (1.0 / 3) + plot.m_dXMin);
-            dc->TextOut(static_cast<int>(f.left + i * w + 1), static_cast<int>(f.bottom), text);
+            to->TextOut(static_cast<int>(f.left + i * w + 1), static_cast<int>(f.bottom), text);
         }
     };
+    const CXAxisDrawing xAxis{3, DrawDecadeLines, WriteDecadeLabels, writeExponents};
     plot.m_rcPlot = DrawCurveAxes(dc, rc, kIterationTitle, 4, plot.m_dYMax, plot.m_dYMin, 0.25, xAxis);
 }
 

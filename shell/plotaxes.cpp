@@ -123,6 +123,8 @@ RECT DrawCurveAxes(CDC* dc, const RECT& c, const CString& title, int decades, do
     return f;
 }
 
+void VerticalLine(CDC* dc, const RECT& frame, long x) { Line(dc, x, frame.top, x, frame.bottom); }
+
 long ClampPixel(double at) { return static_cast<long>(std::fmax(-kFarPixels, std::fmin(kFarPixels, at))); }
 
 bool AxisPixel(double origin, double length, double value, double low, double high, long* pixel) {

@@ -39,6 +39,9 @@ struct CXAxisDrawing {
 RECT DrawCurveAxes(CDC* dc, const RECT& c, const CString& title, int decades, double yMax, double yMin,
                    double fraction, const CXAxisDrawing& x);
 
+// A line of the x axis's grid at x, from the frame's top to its bottom, with the pen that is selected.
+void VerticalLine(CDC* dc, const RECT& frame, long x);
+
 // A coordinate truncated to a pixel. Coordinates far outside any surface are all alike: they are clamped to
 // one far off, which is still a safe int.
 long ClampPixel(double at);

@@ -10,27 +10,25 @@ using namespace plotaxes;
 
 namespace {
 
-// A linear x axis of ten steps: a grid line at each step between the edges, and the numbers 0 to 10 below.
+// The x axis: linear, in ten steps, with a grid line at each step between the edges.
+void DrawStepLines(CDC* dc, const RECT& f, int w) {
+    for (int j = 1; j <= 9; ++j) VerticalLine(dc, f, f.left + j * w);
+}
+
+// The numbers below always read 0 to 10; the title's multiplier says what they count.
+void WriteStepNumbers(CDC* dc, const RECT& f, int w) {
+    for (int j = 0; j <= 10; ++j) {
+        CString text;
+        text.Format("%d", j);
+        const int shift = j == 10 ? 4 : 3;
+        dc->TextOut(static_cast<int>(f.left + j * w - shift), static_cast<int>(f.bottom + 4), text);
+    }
+}
+
 void DrawAxes(CSummaryPlot& plot, CDC* dc, const RECT& rc) {
-    CXAxisDrawing xAxis;
-    xAxis.steps = 10;
-    xAxis.grid = [](CDC* dc, const RECT& f, int w) {
-        for (int j = 1; j <= 9; ++j) {
-            dc->MoveTo(static_cast<int>(f.left + j * w), static_cast<int>(f.top));
-            dc->LineTo(static_cast<int>(f.left + j * w), static_cast<int>(f.bottom));
-        }
-    };
-    // The numbers always read 0 to 10; the title's multiplier says what they count.
-    xAxis.labels = [](CDC* dc, const RECT& f, int w) {
-        for (int j = 0; j <= 10; ++j) {
-            CString text;
-            text.Format("%d", j);
-            const int shift = j == 10 ? 4 : 3;
-            dc->TextOut(static_cast<int>(f.left + j * w - shift), static_cast<int>(f.bottom + 4), text);
-        }
-    };
     const CString title = SummaryTitle(plot.m_nMode, plot.m_nMultiplier);
     NamePlot(plot, title);
+    const CXAxisDrawing xAxis{10, DrawStepLines, WriteStepNumbers, nullptr};
     plot.m_rcPlot = DrawCurveAxes(dc, rc, title, 5, plot.m_dYMax, plot.m_dYMin, 0.2, xAxis);
 }
 
