@@ -12,7 +12,6 @@
 #include <QRadioButton>
 
 #include "platform/dialoglink.h"
-#include "platform/dialogwindow.h"
 #include "platform/qtaccess.h"
 
 namespace platform {

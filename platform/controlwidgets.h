@@ -15,4 +15,9 @@ class DialogOwner;
 QWidget* CreateControlWidget(QWidget* surface, DialogOwner& owner, const ControlTemplate& control, int baseX,
                              int baseY);
 
+// Gives a static the role its template decides, where its Qt class would tell another: a picture that draws
+// itself is a graphic, a rule of hyphens a hidden separator. Before its text is set, which may already
+// announce it (accessibility.cpp).
+void MarkTemplateRole(QWidget* widget, const ControlTemplate& control);
+
 }  // namespace platform

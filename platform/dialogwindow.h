@@ -117,11 +117,6 @@ private:
     std::unique_ptr<CMenu> m_systemMenu;
 };
 
-// Gives a static the role its template decides, where its Qt class would tell another: a picture that draws
-// itself is a graphic, a rule of hyphens a hidden separator. Before its text is set, which may already
-// announce it (accessibility.cpp).
-void MarkTemplateRole(QWidget* widget, const ControlTemplate& control);
-
 // F1, and Alt+Space where no window manager has taken it: the keys that open a dialog's system menu.
 bool IsSystemMenuKey(const QKeyEvent& event);
 
