@@ -6,8 +6,7 @@
 //   paramfile.h    the parameter file
 // May include: platform/'s strings and files, and engine/; never workspace/, training/ or shell/. The Python
 // module and the fuzz targets use these readers as the window does.
-// Owns: nothing beyond a call. A reader fills what its caller hands it, and reads a file whole into a text
-// that its caller keeps.
+// Owns: nothing beyond a call. A reader fills what its caller hands it; a text read whole is its caller's.
 //
 // The number-row scanner: the one way numbers are read from text. Data set files, parameter files, testing
 // files and the new data of online training all go through it.
