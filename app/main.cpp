@@ -3,6 +3,7 @@
 #include "shell/mainwindow.h"
 
 BOOL CVantrelApp::InitInstance() {
+    AfxSetResourceTable(VantrelResources());
     AfxEnableControlContainer();
     Enable3dControls();
     CVantrelDlg dlg;

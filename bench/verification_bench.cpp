@@ -63,7 +63,7 @@ void BM_VerifyGrid(benchmark::State& state) {
         CFile stamped, output;
         stamped.Open(stampedPath.c_str(), CFile::modeCreate);
         output.Open(outputPath.c_str(), CFile::modeCreate);
-        WriteVerificationRows(dlg, grid, stamped, output);
+        WriteVerificationRows(NetworkOf(dlg), grid, stamped, output);
         stamped.Close();
         output.Close();
         const Clock::time_point verified = Clock::now();

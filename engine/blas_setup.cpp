@@ -34,17 +34,6 @@ int RankOf(const char* name) {
 
 }  // namespace
 
-const char* BestKernelFamily() {
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
-        __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vl"))
-        return "SkylakeX";
-    if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")) return "Haswell";
-    if (__builtin_cpu_supports("avx")) return "Sandybridge";
-    if (__builtin_cpu_supports("sse4.2")) return "Nehalem";
-    return nullptr;
-}
-
 const char* BetterKernelFamily(const char* current, const char* best) {
     if (current == nullptr || best == nullptr) return nullptr;
     const int rank = RankOf(current);

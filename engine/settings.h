@@ -10,6 +10,7 @@
 
 #include <vector>
 
+#include "engine/defaults.h"
 #include "engine/network.h"
 
 namespace engine {
@@ -30,12 +31,12 @@ public:
 
 struct CFixedSettings : CRunSettings {
     Algorithm algorithm = kSecondOrder;
-    UINT iterations = 200;
-    double desiredError = 0.0001;
-    UINT trials = 1;
-    UINT maxUnits = 5;
-    double learningConstant = 0.001;
-    double momentum = 0.5;
+    UINT iterations = kDefaultIterations;
+    double desiredError = kDefaultDesiredError;
+    UINT trials = kDefaultTrials;
+    UINT maxUnits = kDefaultMaxUnits;
+    double learningConstant = kDefaultLearningConstant;
+    double momentum = kDefaultMomentum;
     bool loadFromFile = false;
     bool saveResults = false;
 

@@ -3,6 +3,7 @@
 
 #include <climits>
 #include <new>
+#include <string>
 
 #include "files/scanner.h"
 #include "engine/memory.h"
@@ -58,4 +59,36 @@ bool ReadPatterns(std::string_view text, CPatternRows& rows) {
     rows.values = ReadPatternRows(text, rows.nInputs, rows.inputs.data(), rows.inputs.size(), rows.targets.data(),
                                   rows.targets.size());
     return true;
+}
+
+const char* DataSetMessage(DataSetStatus status) {
+    switch (status) {
+        case DataSetStatus::Ok: return "";
+        case DataSetStatus::CannotOpen: return kCannotOpenFile;
+        case DataSetStatus::TextTooLarge:
+        case DataSetStatus::CountsTooLarge:
+        case DataSetStatus::RowsTooLarge: return kDataSetTooLarge;
+        case DataSetStatus::Incomplete: return kDataFileIncomplete;
+        case DataSetStatus::NoPatterns: return kNoPatterns;
+        case DataSetStatus::NoInputs: return kNoInputs;
+    }
+    return "";
+}
+
+DataSetStatus ReadDataSet(const char* path, CPatternRows& rows) {
+    rows = CPatternRows();
+    std::string text;
+    const ReadTextResult read = ReadScanText(path, text);
+    if (read != ReadTextResult::Ok)
+        return read == ReadTextResult::CannotOpen ? DataSetStatus::CannotOpen : DataSetStatus::TextTooLarge;
+    const bool fits = ReadPatterns(text, rows);
+    if (rows.shape.patterns > UINT_MAX || rows.shape.columns > UINT_MAX) {
+        rows = CPatternRows();
+        return DataSetStatus::CountsTooLarge;
+    }
+    if (!fits) return DataSetStatus::RowsTooLarge;
+    if (rows.values != rows.inputs.size() + rows.targets.size()) return DataSetStatus::Incomplete;
+    if (rows.shape.patterns == 0) return DataSetStatus::NoPatterns;
+    if (rows.nInputs == 0) return DataSetStatus::NoInputs;
+    return DataSetStatus::Ok;
 }

@@ -47,3 +47,23 @@ struct CPatternRows {
 // desired output; what short rows leave unreached stays 0.0. False when blocks of that shape don't fit in
 // memory: rows then holds the shape and no value, and the caller says so where its own messages have it.
 bool ReadPatterns(std::string_view text, CPatternRows& rows);
+
+// The acceptance of a data set file: Ok, or the first of its rules that the file breaks, in this order.
+enum class DataSetStatus {
+    Ok,
+    CannotOpen,      // the file does not open
+    TextTooLarge,    // its text does not fit in memory
+    CountsTooLarge,  // more patterns or columns than a count holds
+    RowsTooLarge,    // its blocks would not fit in memory; rows holds the shape and no value
+    Incomplete,      // its values don't fill its rows
+    NoPatterns,      // it has no row
+    NoInputs,        // its rows have no input before the desired output
+};
+
+// What a refused data set file is told with: the window's message box and the Python module's error.
+const char* DataSetMessage(DataSetStatus status);
+
+// The one reading of a data set: the file at path read whole (ReadScanText), its patterns into rows
+// (ReadPatterns), and the rules above checked. Before RowsTooLarge, rows holds nothing; from RowsTooLarge on
+// it holds the shape, and from Incomplete on every value it read.
+DataSetStatus ReadDataSet(const char* path, CPatternRows& rows);

@@ -6,7 +6,6 @@
 
 #include "platform/clock.h"
 #include "platform/files.h"
-#include "workspace/workspace.h"
 
 namespace {
 
@@ -25,20 +24,6 @@ void AppendSection(std::vector<std::string>& block, const char* title, const CRe
     block.push_back(ValueLine(section.centers, units * inputs));
     block.push_back("Width:\r\n");
     block.push_back(ValueLine(section.widths, units));
-}
-
-// A block that the file can't take is lost and the run goes on: after an open that fails the next block
-// tries again, after a write that fails (AppendToFile) nothing more is written.
-void AppendBlock(CVantrelDlg& dlg, CString& path, const std::vector<std::string>& block) {
-    int error = 0;
-    if (AppendToFile(dlg, path, block, error) == AppendResult::CannotOpen) {
-        dlg.AppendInfo(WriteFailureLine(path, error));
-        dlg.MessageBox("Open Result File Failed!", "Error", MB_ICONHAND);
-    }
-}
-
-CResultSection TrainedSection(const CVantrelDlg& dlg) {
-    return {dlg.m_pInputWeights, dlg.m_pOutputWeights, dlg.m_pCenters, dlg.m_pWidths};
 }
 
 }  // namespace
@@ -93,16 +78,15 @@ CString WriteFailureLine(const CString& path, int error) {
     return line;
 }
 
-bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path) {
-    if (file.Close()) return true;
+CString CloseWrittenFile(CFile& file, const CString& path) {
     CString message;
+    if (file.Close()) return message;
     message.Format("Cannot write %s: %s.\nNothing more is written to this file.", static_cast<const char*>(path),
                    std::strerror(file.GetError()));
-    owner.MessageBox(message, "Error", MB_ICONHAND);
-    return false;
+    return message;
 }
 
-AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces, int& openError) {
+AppendResult AppendToFile(CString& path, const std::vector<std::string>& pieces, CString& failure, int& openError) {
     openError = 0;
     if (path.IsEmpty()) return AppendResult::WriteFailed;
     CFile file;
@@ -114,7 +98,8 @@ AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::str
         file.Seek(0, CFile::end);
         if (!file.Write(text.data(), static_cast<UINT>(text.size()))) break;
     }
-    if (CloseWrittenFile(owner, file, path)) return AppendResult::Written;
+    failure = CloseWrittenFile(file, path);
+    if (failure.IsEmpty()) return AppendResult::Written;
     path.Empty();
     return AppendResult::WriteFailed;
 }
@@ -144,23 +129,4 @@ std::vector<std::string> ResultBlock(UINT units, UINT inputs, UINT iterations, d
     AppendSection(block, "Training Results\r\n", trained, units, inputs);
     block.push_back(std::string(kLongRule) + "\r\n\r\n");
     return block;
-}
-
-int CVantrelDlg::CreateResultFile(CString* path) {
-    int error = 0;
-    if (!CreateStampedFile("result.txt", *path, error)) {
-        AppendInfo(WriteFailureLine(*path, error));
-        MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
-        return 0;
-    }
-    return 1;
-}
-
-void CVantrelDlg::WriteRunResults(CString* path, UINT units, UINT iterations, double error) {
-    const CResultSection initial{m_pInitInputWeights, m_pInitOutputWeights, m_pInitCenters, m_pInitWidths};
-    AppendBlock(*this, *path, ResultBlock(units, m_nInputs, iterations, error, &initial, TrainedSection(*this)));
-}
-
-void CVantrelDlg::WriteErrCorResults(CString* path, UINT units, UINT iterations, double error) {
-    AppendBlock(*this, *path, ResultBlock(units, m_nInputs, iterations, error, nullptr, TrainedSection(*this)));
 }

@@ -1,8 +1,14 @@
+// Chief header of files/ for what is written (scanner.h tells the folder and what is read):
+//   resultfiles.h   stamped names beside the executable, appends and closes that return their failure, and the
+//                   blocks of a result file
+//   verification.h  the two output files of a verification, its pattern sets and their rows
+// Written files lie beside the executable, have CR LF line ends and numbers in fixed notation. A writer owns
+// its CFile for one call; the paths belong to the caller.
+//
 // Result files: one text file per run with a block per trial (or per unit of the Error Correction
 // Algorithm), for people to read. Written beside the executable (where it can't be written, in the user's
-// data folder: AfxWrittenFilesDirectory), CR LF line ends, numbers in fixed notation.
-// The member functions CreateResultFile, WriteRunResults and WriteErrCorResults of CVantrelDlg build on the
-// pieces declared here.
+// data folder: AfxWrittenFilesDirectory). The workspace's members CreateResultFile, WriteRunResults and
+// WriteErrCorResults (workspace/writtenfiles.cpp) build on the pieces declared here and show what went wrong.
 #pragma once
 
 #include <cstddef>
@@ -39,17 +45,18 @@ bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path
 CString WriteFailureLine(const CString& path, int error);
 
 class CFile;
-class CWnd;
 // Closes a file that was written. When the close or a write before it failed (a full disk, a size limit),
-// owner shows an "Error" box naming the file and the cause; false then: what the file holds is incomplete.
-bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path);
+// returns what the window shows under "Error": the file and the cause; what the file holds is then
+// incomplete. Returns an empty text when everything was written.
+CString CloseWrittenFile(CFile& file, const CString& path);
 
 // Appends the pieces to the end of the existing file at path, one write each, and closes it. After a write
-// or close that fails (CloseWrittenFile has shown why) path is emptied: nothing more is written to a file
-// known to be incomplete, and a call with an empty path does nothing. A file that can't be opened shows
-// nothing: the caller has its own message for it, and openError receives the system's error number.
+// or close that fails, failure is what CloseWrittenFile gave and path is emptied: nothing more is written to a
+// file known to be incomplete, and a call with an empty path does nothing (WriteFailed, no failure). A file
+// that can't be opened gives no failure text: the caller has its own message for it, and openError receives
+// the system's error number.
 enum class AppendResult { Written, CannotOpen, WriteFailed };
-AppendResult AppendToFile(CWnd& owner, CString& path, const std::vector<std::string>& pieces, int& openError);
+AppendResult AppendToFile(CString& path, const std::vector<std::string>& pieces, CString& failure, int& openError);
 
 // One array on one line: each element as "%.6f", one blank between them, then "\r\n". An infinity or a NaN,
 // which a diverging training can leave, prints as the C library writes it ("inf", "-inf", "nan", "-nan").

@@ -86,21 +86,23 @@ double TokenValue(std::string_view token) {
     return std::atof(std::string(token).c_str());
 }
 
-std::size_t CountTokens(std::string_view row) {
-    CTokenScanner tokens(row);
-    std::string_view token;
+namespace {
+
+// The pieces that a scanner of text walks through, counted.
+template <class Scanner, bool (Scanner::*Next)(std::string_view&)>
+std::size_t CountPieces(std::string_view text) {
+    Scanner scanner(text);
+    std::string_view piece;
     std::size_t count = 0;
-    while (tokens.NextToken(token)) ++count;
+    while ((scanner.*Next)(piece)) ++count;
     return count;
 }
 
-std::size_t CountRows(std::string_view text) {
-    CRowScanner rows(text);
-    std::string_view row;
-    std::size_t count = 0;
-    while (rows.NextRow(row)) ++count;
-    return count;
-}
+}  // namespace
+
+std::size_t CountTokens(std::string_view row) { return CountPieces<CTokenScanner, &CTokenScanner::NextToken>(row); }
+
+std::size_t CountRows(std::string_view text) { return CountPieces<CRowScanner, &CRowScanner::NextRow>(text); }
 
 std::size_t ScanRowValues(CRowScanner& scanner, std::vector<double>& values) {
     values.clear();

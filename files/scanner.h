@@ -1,3 +1,13 @@
+// Chief header of files/, for what is read (resultfiles.h is the chief header for what is written). files/
+// holds the formats of every text file that Vantrel reads or writes, and nothing of the window: a reader or a
+// writer returns what went wrong, and the window (workspace/, training/, shell/) shows it.
+//   scanner.h      the number-row scanner below, which every file of numbers goes through
+//   datafile.h     files of patterns: the data set, the testing file, new data; the acceptance of a data set
+//   paramfile.h    the parameter file
+// May include: platform/'s strings and files, and engine/; never workspace/, training/ or shell/. The Python
+// module and the fuzz targets use these readers as the window does.
+// Owns: nothing beyond a call. A reader fills what its caller hands it; a text read whole is its caller's.
+//
 // The number-row scanner: the one way numbers are read from text. Data set files, parameter files, testing
 // files and the new data of online training all go through it.
 //

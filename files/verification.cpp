@@ -6,9 +6,7 @@
 #include <utility>
 
 #include "files/resultfiles.h"
-#include "workspace/network.h"
 #include "platform/files.h"
-#include "workspace/workspace.h"
 
 namespace {
 
@@ -22,22 +20,12 @@ int CreateEmpty(const CString& path) {
 
 }  // namespace
 
-int CVantrelDlg::CreateOutputFile(CString* stampedPath, CString* outputPath) {
-    int error = 0;
-    if (!CreateStampedFile("output.txt", *stampedPath, error)) {
-        AppendInfo(WriteFailureLine(*stampedPath, error));
-        MessageBox("Create Result File Failed!", "Error", MB_ICONHAND);
-        return 0;
-    }
+OutputFiles CreateOutputFiles(CString& stampedPath, CString& outputPath, int& error) {
+    if (!CreateStampedFile("output.txt", stampedPath, error)) return OutputFiles::StampedFailed;
     // Beside the stamped file, wherever the written files' directory turned out to be.
-    *outputPath = stampedPath->Left(stampedPath->ReverseFind('/') + 1) + "output.txt";
-    error = CreateEmpty(*outputPath);
-    if (error != 0) {
-        AppendInfo(WriteFailureLine(*outputPath, error));
-        MessageBox("Create Result File Failed (output.txt)!", "Error", MB_ICONHAND);
-        return 0;
-    }
-    return 1;
+    outputPath = stampedPath.Left(stampedPath.ReverseFind('/') + 1) + "output.txt";
+    error = CreateEmpty(outputPath);
+    return error == 0 ? OutputFiles::Made : OutputFiles::OutputFailed;
 }
 
 double CGridAxis::At(UINT n) const {
@@ -94,12 +82,12 @@ void AppendRow(std::string& row, const double* inputs, UINT nInputs, double targ
     row += "\r\n";
 }
 
-void WriteVerificationRows(const CVantrelDlg& dlg, const CPatternSet& set, CFile& first, CFile& second) {
+void WriteVerificationRows(const engine::CNetwork& network, const CPatternSet& set, CFile& first, CFile& second) {
     std::vector<double> x(set.Inputs());
     std::string row;
     for (std::size_t p = 0; p < set.Count(); ++p) {
         const double target = set.Pattern(p, x.data());
-        const double y = NetworkOutput(dlg, x.data());
+        const double y = engine::NetworkOutput(network, x.data(), network.nInputs, engine::CCancelToken::Never());
         row.clear();
         AppendRow(row, x.data(), set.Inputs(), target, y);
         for (CFile* file : {&first, &second}) {

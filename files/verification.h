@@ -1,16 +1,23 @@
 // Verification: a trained network run over a set of patterns, one row of text a pattern, each row written to
-// two files as soon as it is made. The two files are made by the workspace's CreateOutputFile (verification.cpp);
-// the other pieces here need no window. OnVerification and its dialogs build on them.
+// two files as soon as it is made. The pieces here need no window: the workspace's CreateOutputFile and
+// OnVerification with its dialogs build on them and show what went wrong.
 #pragma once
 
 #include <cstddef>
 #include <string>
 #include <vector>
 
+#include "engine/network.h"
+#include "platform/strings.h"
 #include "platform/types.h"
 
 class CFile;
-class CVantrelDlg;
+
+// The two output files of a verification, made empty in the written files' directory: a new timestamped
+// "..._output.txt" (CreateStampedFile) into stampedPath, then "output.txt" beside it, emptied, into outputPath.
+// Made, or the first that could not be made, with the system's error number in error.
+enum class OutputFiles { Made, StampedFailed, OutputFailed };
+OutputFiles CreateOutputFiles(CString& stampedPath, CString& outputPath, int& error);
 
 // One axis of a generated grid: points values from min to max, both included.
 struct CGridAxis {
@@ -54,7 +61,7 @@ private:
 // Appends one row: the inputs, the desired output, y and desired output minus y, each as "%.6f\t", then CR LF.
 void AppendRow(std::string& row, const double* inputs, UINT nInputs, double target, double y);
 
-// Runs the workspace's network over every pattern of set and appends each row to both files, the first file
-// first, each with a seek to its end and one write. The set's inputs must be the network's. A write that fails
-// ends the writing; the files' Close tells of it.
-void WriteVerificationRows(const CVantrelDlg& dlg, const CPatternSet& set, CFile& first, CFile& second);
+// Runs network over every pattern of set and appends each row to both files, the first file first, each with
+// a seek to its end and one write. The set's inputs must be the network's. A write that fails ends the
+// writing; the files' Close tells of it.
+void WriteVerificationRows(const engine::CNetwork& network, const CPatternSet& set, CFile& first, CFile& second);

@@ -5,6 +5,7 @@
 #include <QAccessibleWidget>
 #include <QLabel>
 
+#include "platform/controlwidgets.h"
 #include "platform/dialogwindow.h"
 
 namespace platform {

@@ -86,38 +86,42 @@ bool ParseInt(const std::string& text, int& value) {
     return true;
 }
 
+std::string ShowDouble(double value) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.15g", value);
+    return text;
+}
+
+template <class Number>
+std::string ShowWhole(Number value) {
+    return std::to_string(value);
+}
+
+// A number's exchange: shown as show writes it; read back by parse, or refused with the framework's prompt.
+template <class Number>
+void ExchangeNumber(CDataExchange* dx, int id, Number& value, bool (*parse)(const std::string&, Number&),
+                    std::string (*show)(Number), const char* prompt) {
+    platform::DialogControls* window = WindowWith(dx, id);
+    if (window == nullptr) return;
+    if (dx->m_bSaveAndValidate) {
+        if (!parse(window->Text(id), value)) Refuse(dx, prompt);
+    } else {
+        window->SetText(id, show(value));
+    }
+}
+
 }  // namespace
 
 void DDX_Text(CDataExchange* dx, int id, double& value) {
-    platform::DialogControls* window = WindowWith(dx, id);
-    if (window == nullptr) return;
-    if (dx->m_bSaveAndValidate) {
-        if (!ParseDouble(window->Text(id), value)) Refuse(dx, "Please enter a number.");
-    } else {
-        char text[64];
-        std::snprintf(text, sizeof text, "%.15g", value);
-        window->SetText(id, text);
-    }
+    ExchangeNumber(dx, id, value, ParseDouble, ShowDouble, "Please enter a number.");
 }
 
 void DDX_Text(CDataExchange* dx, int id, UINT& value) {
-    platform::DialogControls* window = WindowWith(dx, id);
-    if (window == nullptr) return;
-    if (dx->m_bSaveAndValidate) {
-        if (!ParseUnsigned(window->Text(id), value)) Refuse(dx, "Please enter a positive integer.");
-    } else {
-        window->SetText(id, std::to_string(value));
-    }
+    ExchangeNumber(dx, id, value, ParseUnsigned, ShowWhole<UINT>, "Please enter a positive integer.");
 }
 
 void DDX_Text(CDataExchange* dx, int id, int& value) {
-    platform::DialogControls* window = WindowWith(dx, id);
-    if (window == nullptr) return;
-    if (dx->m_bSaveAndValidate) {
-        if (!ParseInt(window->Text(id), value)) Refuse(dx, "Please enter an integer.");
-    } else {
-        window->SetText(id, std::to_string(value));
-    }
+    ExchangeNumber(dx, id, value, ParseInt, ShowWhole<int>, "Please enter an integer.");
 }
 
 void DDX_Text(CDataExchange* dx, int id, CString& value) {

@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <algorithm>
 #include <QButtonGroup>
-#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFontMetrics>
@@ -13,7 +12,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
@@ -21,7 +19,9 @@
 #include <QStyle>
 #include <QWindow>
 
+#include "platform/controlwidgets.h"
 #include "platform/fonts.h"
+#include "platform/linecontrols.h"
 #include "platform/prompt.h"
 #include "platform/qtaccess.h"
 #include "platform/window.h"
@@ -36,75 +36,7 @@ std::vector<DialogWindow*>& OpenWindows() {
     return windows;
 }
 
-// A static control. Labels show their text; a control whose wrapper paints itself (a plot) is painted by the
-// wrapper, inside the sunken border when it has one. Statics let mouse clicks through to the dialog, as the
-// desktop's statics do, so a right click on a plot reaches the dialog's handler.
-class StaticWidget : public QLabel {
-public:
-    StaticWidget(QWidget* window, DialogOwner& owner, int id) : QLabel(window), m_owner(owner), m_id(id) {
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-    }
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        if (m_id <= 0 || !m_owner.PaintFromWindow(m_id)) {
-            QLabel::paintEvent(event);
-            return;
-        }
-        QPainter painter(this);
-        drawFrame(&painter);
-    }
-
-private:
-    DialogOwner& m_owner;
-    int m_id;
-};
-
-// A push button that shows the keyboard focus as a dotted frame inside its edge, where a user at the keyboard
-// looks for it; the style's own hint is hard to see. It is the dialog's focus that counts, so that a picture
-// of a dialog not on the screen shows it too.
-class FocusFrameButton : public QPushButton {
-public:
-    using QPushButton::QPushButton;
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        QPushButton::paintEvent(event);
-        if (window()->focusWidget() != this) return;
-        QPainter painter(this);
-        painter.setPen(QPen(palette().color(QPalette::ButtonText), 1, Qt::DotLine));
-        painter.drawRect(rect().adjusted(3, 3, -4, -4));
-    }
-};
-
 QString QtText(const char* text) { return QString::fromLatin1(text != nullptr ? text : ""); }
-
-// Where a line goes among count lines kept in order, ignoring case: after the last one that does not sort
-// after it, so that equal lines stay in the order they came.
-template <class LineAt>
-int SortedPlace(int count, const QString& line, LineAt lineAt) {
-    int low = 0, high = count;
-    while (low < high) {
-        const int middle = (low + high) / 2;
-        if (QString::compare(lineAt(middle), line, Qt::CaseInsensitive) <= 0) low = middle + 1;
-        else high = middle;
-    }
-    return low;
-}
-
-bool CarriesLine(UINT message) {
-    return message == LB_ADDSTRING || message == LB_INSERTSTRING || message == CB_ADDSTRING ||
-           message == CB_INSERTSTRING;
-}
-
-// The index a line message puts its line at, or -1 for a message that puts none.
-template <class LineAt>
-int LinePlace(UINT message, WPARAM wParam, int count, bool sorted, const QString& line, LineAt lineAt) {
-    if (!CarriesLine(message)) return -1;
-    if (message == LB_ADDSTRING || message == CB_ADDSTRING) return sorted ? SortedPlace(count, line, lineAt) : count;
-    const int index = static_cast<int>(wParam);
-    return (index < 0 || index > count) ? count : index;
-}
 
 }  // namespace
 
@@ -142,7 +74,7 @@ DialogWindow::DialogWindow(DialogOwner& owner, const DialogTemplate& tpl, QWidge
                    Qt::WindowCloseButtonHint);
     for (int i = 0; i < tpl.controlCount; ++i) {
         const ControlTemplate& control = tpl.controls[i];
-        QWidget* widget = CreateControl(control);
+        QWidget* widget = CreateControlWidget(m_content, m_owner, control, m_baseX, m_baseY);
         widget->setGeometry(ControlRect(control));
         if (control.style & WS_DISABLED) widget->setEnabled(false);
         if (control.id > 0) m_controls[control.id] = widget;
@@ -216,85 +148,6 @@ void DialogWindow::FitInto(const QSize& room) {
 
 int DialogWindow::DluToPixelsX(int dlu) const { return (dlu * m_baseX + 2) / 4; }
 int DialogWindow::DluToPixelsY(int dlu) const { return (dlu * m_baseY + 4) / 8; }
-
-QWidget* DialogWindow::CreateControl(const ControlTemplate& control) {
-    const QString caption = QtText(control.caption);
-    switch (control.kind) {
-        case ControlKind::PushButton:
-        case ControlKind::DefPushButton: {
-            auto* button = new FocusFrameButton(caption, m_content);
-            button->setAutoDefault(false);
-            button->setDefault(control.kind == ControlKind::DefPushButton);
-            return button;
-        }
-        case ControlKind::GroupBox: {
-            auto* box = new QGroupBox(caption, m_content);
-            box->setAttribute(Qt::WA_TransparentForMouseEvents);
-            // The frame runs through the middle of the caption's line, as desktop group boxes draw it.
-            box->setStyleSheet(QStringLiteral(
-                "QGroupBox { border: 1px solid #a0a0a0; margin-top: %1px; }"
-                "QGroupBox::title { subcontrol-origin: margin; subcontrol-position: top left; left: %2px;"
-                " padding: 0 2px; top: 0px; }").arg(m_baseY / 2).arg(m_baseX));
-            return box;
-        }
-        case ControlKind::Icon: {
-            auto* label = new StaticWidget(m_content, m_owner, control.id);
-            label->setPixmap(QPixmap::fromImage(IconImage(QString::fromLatin1(control.caption).toInt())));
-            return label;
-        }
-        case ControlKind::Static: {
-            auto* label = new StaticWidget(m_content, m_owner, control.id);
-            MarkTemplateRole(label, control);
-            label->setText(caption);
-            label->setAlignment((control.style & SS_CENTER) ? Qt::AlignHCenter | Qt::AlignTop
-                                                            : Qt::AlignLeft | Qt::AlignTop);
-            if (control.style & SS_SUNKEN) {
-                label->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-                label->setLineWidth(1);
-                label->setAutoFillBackground(true);
-            }
-            return label;
-        }
-        case ControlKind::Edit: {
-            auto* edit = new QLineEdit(m_content);
-            edit->setReadOnly(control.style & ES_READONLY);
-            if (control.style & ES_READONLY) {
-                // A read-only edit shows the dialog's face colour, so that outputs read apart from inputs.
-                QPalette palette = edit->palette();
-                palette.setColor(QPalette::Base, palette.color(QPalette::Window));
-                edit->setPalette(palette);
-            }
-            const UINT align = control.style & 0x3;
-            edit->setAlignment(align == ES_CENTER ? Qt::AlignCenter
-                               : align == ES_RIGHT ? Qt::AlignRight | Qt::AlignVCenter
-                                                   : Qt::AlignLeft | Qt::AlignVCenter);
-            edit->setTextMargins(0, 0, 0, 0);
-            return edit;
-        }
-        case ControlKind::ComboBox:
-            return new QComboBox(m_content);
-        case ControlKind::ListBox: {
-            auto* list = new QListWidget(m_content);
-            // The style's scroll bar shows when the lines do not fit, as a desktop list box's does.
-            list->setVerticalScrollBarPolicy((control.style & WS_VSCROLL) ? Qt::ScrollBarAsNeeded
-                                                                          : Qt::ScrollBarAlwaysOff);
-            list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-            list->setTextElideMode(Qt::ElideNone);  // a long line is cut at the box's edge
-            list->setUniformItemSizes(true);         // one line a row: keeps a long list's layout cheap
-            return list;
-        }
-        case ControlKind::AutoCheckBox:
-            return new QCheckBox(caption, m_content);
-        case ControlKind::AutoRadioButton: {
-            auto* radio = new QRadioButton(caption, m_content);
-            // Exclusive for assistive technology, which tells a radio button by it; the checks themselves
-            // follow the template's group marks (GroupRadios), not the parent.
-            radio->setAutoExclusive(true);
-            return radio;
-        }
-    }
-    return new QWidget(m_content);
-}
 
 void DialogWindow::Connect(const ControlTemplate& control, QWidget* widget) {
     const int id = control.id;
@@ -453,63 +306,14 @@ LRESULT DialogWindow::Send(int id, UINT message, WPARAM wParam, LPARAM lParam) {
         return 0;
     }
     const ControlTemplate* control = AfxFindControlTemplate(m_template, id);
-    const UINT style = control != nullptr ? control->style : 0;
-    if (auto* list = qobject_cast<QListWidget*>(widget)) {
-        const int count = list->count();
-        const QString line = QtText(CarriesLine(message) ? reinterpret_cast<const char*>(lParam) : nullptr);
-        const int place = LinePlace(message, wParam, count, (style & LBS_SORT) != 0, line,
-                                    [list](int i) { return list->item(i)->text(); });
-        if (place >= 0) {
-            list->insertItem(place, line);
-            return place;
-        }
-        switch (message) {
-            case LB_RESETCONTENT: list->clear(); return 0;
-            case LB_SETCURSEL:
-                list->setCurrentRow(static_cast<int>(wParam));
-                if (list->currentItem() != nullptr) list->scrollToItem(list->currentItem());
-                return list->currentRow();
-            case LB_GETCURSEL: return list->currentRow();
-            case LB_GETCOUNT: return count;
-            default: return 0;
-        }
-    }
-    if (auto* combo = qobject_cast<QComboBox*>(widget)) {
-        const int count = combo->count();
-        const QString line = QtText(CarriesLine(message) ? reinterpret_cast<const char*>(lParam) : nullptr);
-        const int place = LinePlace(message, wParam, count, (style & CBS_SORT) != 0, line,
-                                    [combo](int i) { return combo->itemText(i); });
-        if (place >= 0) {
-            combo->insertItem(place, line);
-            return place;
-        }
-        switch (message) {
-            case CB_RESETCONTENT: combo->clear(); return 0;
-            case CB_SETCURSEL: combo->setCurrentIndex(static_cast<int>(wParam)); return combo->currentIndex();
-            case CB_GETCURSEL: return combo->currentIndex();
-            case CB_GETCOUNT: return count;
-            default: return 0;
-        }
-    }
-    return 0;
+    LRESULT result = 0;
+    SendToLines(widget, control != nullptr ? control->style : 0, message, wParam, lParam, &result);
+    return result;
 }
 
-std::vector<std::string> DialogWindow::Items(int id) const {
-    std::vector<std::string> items;
-    QWidget* widget = Control(id);
-    if (auto* list = qobject_cast<QListWidget*>(widget))
-        for (int i = 0; i < list->count(); ++i) items.push_back(list->item(i)->text().toStdString());
-    if (auto* combo = qobject_cast<QComboBox*>(widget))
-        for (int i = 0; i < combo->count(); ++i) items.push_back(combo->itemText(i).toStdString());
-    return items;
-}
+std::vector<std::string> DialogWindow::Items(int id) const { return LinesOf(Control(id)); }
 
-int DialogWindow::SelectedIndex(int id) const {
-    QWidget* widget = Control(id);
-    if (auto* list = qobject_cast<QListWidget*>(widget)) return list->currentRow();
-    if (auto* combo = qobject_cast<QComboBox*>(widget)) return combo->currentIndex();
-    return -1;
-}
+int DialogWindow::SelectedIndex(int id) const { return SelectedLine(Control(id)); }
 
 void DialogWindow::closeEvent(QCloseEvent* event) {
     // The dialog decides: its close handler ends it through EndDialog, or keeps it open.

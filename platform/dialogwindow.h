@@ -86,7 +86,6 @@ protected:
 private:
     void ComputeBaseUnits();
     void FitToScreen();
-    QWidget* CreateControl(const ControlTemplate& control);
     void Connect(const ControlTemplate& control, QWidget* widget);
     void CheckRadioInGroup(int id);
     void GroupRadios();
@@ -117,11 +116,6 @@ private:
     QScrollArea* m_scroll = nullptr;
     std::unique_ptr<CMenu> m_systemMenu;
 };
-
-// Gives a static the role its template decides, where its Qt class would tell another: a picture that draws
-// itself is a graphic, a rule of hyphens a hidden separator. Before its text is set, which may already
-// announce it (accessibility.cpp).
-void MarkTemplateRole(QWidget* widget, const ControlTemplate& control);
 
 // F1, and Alt+Space where no window manager has taken it: the keys that open a dialog's system menu.
 bool IsSystemMenuKey(const QKeyEvent& event);

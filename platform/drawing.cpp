@@ -185,29 +185,26 @@ BOOL CDC::DeleteDC() {
     return TRUE;
 }
 
-CPen* CDC::SelectObject(CPen* pen) {
-    if (!pen || !pen->m_created) return nullptr;
-    CPen* old = m_state->penObject;
-    m_state->pen = *pen;
-    m_state->penObject = pen;
+namespace {
+
+// Selects a pen, brush or font that was created: the DC draws with a copy of it from now on, and remembers
+// which object it was. Returns the object selected before, or null and changes nothing.
+template <class Object>
+Object* Select(Object* object, Object& drawsWith, Object*& selected) {
+    if (!object || !object->m_created) return nullptr;
+    Object* old = selected;
+    drawsWith = *object;
+    selected = object;
     return old;
 }
 
-CBrush* CDC::SelectObject(CBrush* brush) {
-    if (!brush || !brush->m_created) return nullptr;
-    CBrush* old = m_state->brushObject;
-    m_state->brush = *brush;
-    m_state->brushObject = brush;
-    return old;
-}
+}  // namespace
 
-CFont* CDC::SelectObject(CFont* font) {
-    if (!font || !font->m_created) return nullptr;
-    CFont* old = m_state->fontObject;
-    m_state->font = *font;
-    m_state->fontObject = font;
-    return old;
-}
+CPen* CDC::SelectObject(CPen* pen) { return Select(pen, m_state->pen, m_state->penObject); }
+
+CBrush* CDC::SelectObject(CBrush* brush) { return Select(brush, m_state->brush, m_state->brushObject); }
+
+CFont* CDC::SelectObject(CFont* font) { return Select(font, m_state->font, m_state->fontObject); }
 
 CBitmap* CDC::SelectObject(CBitmap* bitmap) {
     // Only a memory DC takes a bitmap, as in the API this stands in for.

@@ -56,6 +56,12 @@ void DrawShape(DcState& state, const std::vector<raster::Span>& rows) {
     if (outlined) state.FillSpans(raster::Subtract(rows, inside), state.pen.m_color);
 }
 
+// The rows from firstRow to lastRow of an ellipse or a rectangle with the corners (x1, y1) and (x2, y2).
+std::vector<raster::Span> ShapeRows(bool ellipse, int x1, int y1, int x2, int y2, int firstRow, int lastRow) {
+    return ellipse ? raster::EllipseRows(x1, y1, x2, y2, firstRow, lastRow)
+                   : raster::RectangleRows(x1, y1, x2, y2, firstRow, lastRow);
+}
+
 // A shape of a memory DC whose image has more device pixels than logical ones, rasterized in device pixels:
 // its corner falls where the logical corner does and its size is the logical size times the ratio, so that
 // marks of one size stay of one size and round at any ratio, wherever they stand.
@@ -64,8 +70,7 @@ void DrawDeviceShape(DcState& state, bool ellipse, int x1, int y1, int x2, int y
     const int left = state.DeviceEdge(x1), top = state.DeviceEdge(y1);
     const int right = left + qRound((x2 - x1) * r), bottom = top + qRound((y2 - y1) * r);
     const int rows = state.image->height();
-    const std::vector<raster::Span> shape = ellipse ? raster::EllipseRows(left, top, right, bottom, 0, rows)
-                                                    : raster::RectangleRows(left, top, right, bottom, 0, rows);
+    const std::vector<raster::Span> shape = ShapeRows(ellipse, left, top, right, bottom, 0, rows);
     const bool outlined = state.pen.m_style != PS_NULL;
     const std::vector<raster::Span> inside =
         outlined ? raster::Erode(shape, std::max(1, qRound(state.pen.m_width * r))) : shape;
@@ -75,6 +80,17 @@ void DrawDeviceShape(DcState& state, bool ellipse, int x1, int y1, int x2, int y
 
 bool DrawsInDevicePixels(const DcState& state) {
     return state.kind == DcState::Kind::Memory && state.image && state.image->devicePixelRatio() != 1.0;
+}
+
+// An ellipse or a rectangle, outlined and filled; rows far outside the surface are not rasterized.
+void DrawOutlinedShape(DcState& state, bool ellipse, int x1, int y1, int x2, int y2) {
+    if (DrawsInDevicePixels(state)) {
+        DrawDeviceShape(state, ellipse, x1, y1, x2, y2);
+        return;
+    }
+    const raster::Bounds surface = state.Surface();
+    const int margin = state.pen.m_width + 1;
+    DrawShape(state, ShapeRows(ellipse, x1, y1, x2, y2, surface.top - margin, surface.bottom + margin));
 }
 
 }  // namespace
@@ -118,24 +134,12 @@ BOOL CDC::LineTo(int x, int y) {
 }
 
 BOOL CDC::Ellipse(int x1, int y1, int x2, int y2) {
-    if (DrawsInDevicePixels(*m_state)) {
-        DrawDeviceShape(*m_state, true, x1, y1, x2, y2);
-        return TRUE;
-    }
-    const raster::Bounds surface = m_state->Surface();
-    const int margin = m_state->pen.m_width + 1;
-    DrawShape(*m_state, raster::EllipseRows(x1, y1, x2, y2, surface.top - margin, surface.bottom + margin));
+    DrawOutlinedShape(*m_state, true, x1, y1, x2, y2);
     return TRUE;
 }
 
 BOOL CDC::Rectangle(int x1, int y1, int x2, int y2) {
-    if (DrawsInDevicePixels(*m_state)) {
-        DrawDeviceShape(*m_state, false, x1, y1, x2, y2);
-        return TRUE;
-    }
-    const raster::Bounds surface = m_state->Surface();
-    const int margin = m_state->pen.m_width + 1;
-    DrawShape(*m_state, raster::RectangleRows(x1, y1, x2, y2, surface.top - margin, surface.bottom + margin));
+    DrawOutlinedShape(*m_state, false, x1, y1, x2, y2);
     return TRUE;
 }
 

@@ -9,7 +9,14 @@ const T* FindById(const T* items, int count, int id) {
     return nullptr;
 }
 
+const ResourceTable kNoResources{};
+const ResourceTable* g_resources = &kNoResources;
+
 }  // namespace
+
+void AfxSetResourceTable(const ResourceTable& table) { g_resources = &table; }
+
+const ResourceTable& AfxGetResourceTable() { return *g_resources; }
 
 const DialogTemplate* AfxFindDialogTemplate(int id) {
     const ResourceTable& table = AfxGetResourceTable();

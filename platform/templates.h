@@ -107,7 +107,10 @@ struct ResourceTable {
     int iconCount;
 };
 
-// The application's resources. Defined by the application's resource file.
+// The application's resources: the application hands its table to the layer at start-up, before it builds
+// its first dialog, and the layer finds every template, menu, string and icon in it. Until then the table is
+// empty. The table must outlive every dialog.
+void AfxSetResourceTable(const ResourceTable& table);
 const ResourceTable& AfxGetResourceTable();
 
 const DialogTemplate* AfxFindDialogTemplate(int id);

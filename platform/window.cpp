@@ -83,16 +83,6 @@ void CWnd::SetWindowText(LPCTSTR text) {
                         TextKey(*m_window, id));
 }
 
-void CWnd::GetWindowText(CString& text) const {
-    if (m_window == nullptr) {
-        text.Empty();
-        return;
-    }
-    std::string value;
-    platform::CallOnGui([&] { value = m_window->Text(m_nID); });
-    text = CString(value);
-}
-
 BOOL CWnd::EnableWindow(BOOL enable) {
     if (m_window == nullptr) return FALSE;
     if (AfxIsGuiThread()) {

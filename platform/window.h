@@ -44,7 +44,6 @@ public:
     int GetDlgCtrlID() const { return m_nID; }
 
     void SetWindowText(LPCTSTR text);
-    void GetWindowText(CString& text) const;
     BOOL EnableWindow(BOOL enable = TRUE);
     LRESULT SendMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 

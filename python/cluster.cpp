@@ -1,4 +1,4 @@
-#include "python/cluster.h"
+#include "cluster.h"
 
 #include <pybind11/stl.h>
 

@@ -18,11 +18,12 @@
 #include <vector>
 
 #include "engine/buffers.h"
+#include "engine/defaults.h"
 #include "engine/runs.h"
 #include "files/datafile.h"
 #include "files/paramfile.h"
 #include "files/scanner.h"
-#include "python/cluster.h"
+#include "cluster.h"
 
 namespace py = pybind11;
 using Array = py::array_t<double, py::array::c_style | py::array::forcecast>;
@@ -39,15 +40,9 @@ std::vector<double> ToVector(const Array& a) { return std::vector<double>(a.data
 
 // (X, y) of a file of patterns, or ValueError with the message the window shows for it.
 py::tuple LoadData(const std::string& path) {
-    std::string text;
-    const ReadTextResult read = ReadScanText(path.c_str(), text);
-    if (read != ReadTextResult::Ok)
-        throw py::value_error(read == ReadTextResult::CannotOpen ? kCannotOpenFile : kDataSetTooLarge);
     CPatternRows rows;
-    if (!ReadPatterns(text, rows)) throw py::value_error(kDataSetTooLarge);
-    if (rows.values != rows.inputs.size() + rows.targets.size()) throw py::value_error(kDataFileIncomplete);
-    if (rows.shape.patterns == 0) throw py::value_error(kNoPatterns);
-    if (rows.nInputs == 0) throw py::value_error(kNoInputs);
+    const DataSetStatus status = ReadDataSet(path.c_str(), rows);
+    if (status != DataSetStatus::Ok) throw py::value_error(DataSetMessage(status));
     const auto patterns = static_cast<py::ssize_t>(rows.shape.patterns);
     return py::make_tuple(ToArray(rows.inputs, {patterns, static_cast<py::ssize_t>(rows.nInputs)}),
                           ToArray(rows.targets, {patterns}));
@@ -312,5 +307,12 @@ PYBIND11_MODULE(_engine, m) {
     m.def("train_on_source", &TrainOnSource, py::arg("source"), py::arg("network"), py::arg("options"),
           py::arg("callback"));
     m.def("predict", &Predict, py::arg("network"), py::arg("X"));
+    // The window's defaults, so that the estimators start where the window does.
+    m.def("default_iterations", &engine::DefaultIterations, py::arg("algorithm"));
+    m.attr("DEFAULTS") =
+        py::dict(py::arg("desired_error") = engine::kDefaultDesiredError, py::arg("trials") = engine::kDefaultTrials,
+                 py::arg("max_units") = engine::kDefaultMaxUnits,
+                 py::arg("learning_constant") = engine::kDefaultLearningConstant,
+                 py::arg("momentum") = engine::kDefaultMomentum);
     vantrel_python::BindClusterKernels(m);
 }

@@ -1,19 +1,16 @@
-// CDataPlot: the patterns of a two-input classification set as marks over the network's decision regions,
-// or a notice for every other data set.
+// The data plot's picture: the patterns of a two-input classification set as marks over the network's
+// decision regions, or a notice for every other data set.
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "shell/plotaxes.h"
-#include "workspace/plots.h"
+#include "shell/plots.h"
 
 using plotaxes::ClampPixel;
 
 namespace {
 
 constexpr COLORREF kField = RGB(0xC5, 0xC5, 0xC5);
-constexpr COLORREF kClassOne = RGB(0xFF, 0x00, 0x00);
-constexpr COLORREF kClassTwo = RGB(0x00, 0x00, 0xFF);
 constexpr COLORREF kAbove = RGB(0xFF, 0xFF, 0x00);
 constexpr COLORREF kAtOrBelow = RGB(0x00, 0xFF, 0xFF);
 
@@ -44,74 +41,7 @@ struct FieldAxis {
     long size;
 };
 
-// The smallest and largest finite element; false when there is none, and the bounds then stay.
-bool FiniteExtremes(const CDoubleArray& values, double* smallest, double* largest) {
-    bool found = false;
-    for (int i = 0; i < values.GetSize(); ++i) {
-        const double v = values.GetAt(i);
-        if (!std::isfinite(v)) continue;
-        if (!found || v < *smallest) *smallest = v;
-        if (!found || v > *largest) *largest = v;
-        found = true;
-    }
-    return found;
-}
-
-}  // namespace
-
-CDataPlot::CDataPlot() {
-    m_penClassOne.CreatePen(PS_SOLID, 1, kClassOne);
-    m_penClassTwo.CreatePen(PS_SOLID, 1, kClassTwo);
-}
-
-void CDataPlot::RefreshDataPlot(bool bShow) {
-    {
-        auto lock = SeriesLock();
-        m_bShowData = bShow ? 1 : 0;
-        if (bShow) {
-            ComputeBounds();
-            m_dStepX = ComputeStep(m_dMaxX - m_dMinX);
-            m_dStepY = ComputeStep(m_dMaxY - m_dMinY);
-        }
-    }
-    Redraw();
-}
-
-void CDataPlot::ComputeBounds() {
-    if (m_arrPatternX.GetSize() == 0 || m_arrPatternY.GetSize() == 0 || m_arrPatternClass.GetSize() == 0 ||
-        m_arrPatternX.GetSize() != m_arrPatternY.GetSize())
-        return;
-    FiniteExtremes(m_arrPatternX, &m_dMinX, &m_dMaxX);
-    FiniteExtremes(m_arrPatternY, &m_dMinY, &m_dMaxY);
-    FiniteExtremes(m_arrPatternClass, &m_dMinClass, &m_dMaxClass);
-}
-
-double CDataPlot::ComputeStep(double range) {
-    // A range of no extent, a negative one or one that is not a number would never leave the loop (or has no
-    // meaning): it is taken as a range of 1, so the axis of a single value spans the field around it.
-    if (!(range > 0.0) || !std::isfinite(range)) range = 1.0;
-    double a = 1.0;
-    // Below the smallest normal double a - a / 10 stops shrinking; a range that small stops there.
-    while (range / a <= 250.0 && a > std::numeric_limits<double>::min()) a = a - a / 10;
-    return a + a / 10;
-}
-
-void CDataPlot::OnPaint() {
-    PaintBuffered([this](CDC* dc, const RECT& rc) { DrawAll(dc, rc); });
-}
-
-void CDataPlot::DrawAll(CDC* dc, const RECT& rc) {
-    dc->FillSolidRect(&rc, kField);
-    if (m_bShowData == 0) {
-        DrawNotice(dc, rc);
-        return;
-    }
-    DrawBackground(dc, rc);
-    DrawGrid(dc, rc);
-    DrawPatterns(dc, rc);
-}
-
-void CDataPlot::DrawNotice(CDC* dc, const RECT& rc) {
+void DrawNotice(CDC* dc, const RECT& rc) {
     dc->SetBkMode(TRANSPARENT);
     dc->FillSolidRect(&rc, kField);
     CFont font;
@@ -125,14 +55,14 @@ void CDataPlot::DrawNotice(CDC* dc, const RECT& rc) {
     dc->SelectObject(oldFont);
 }
 
-void CDataPlot::DrawBackground(CDC* dc, const RECT& rc) {
+void DrawBackground(CDC* dc, const RECT& rc) {
     dc->SetBkMode(TRANSPARENT);
     dc->FillSolidRect(&rc, RGB(0xFF, 0xFF, 0xFF));
 }
 
-bool CDataPlot::MapPoint(const RECT& rc, double x, double y, CPoint* point) const {
-    const FieldAxis ax(m_dMinX, m_dMaxX, m_dStepX);
-    const FieldAxis ay(m_dMinY, m_dMaxY, m_dStepY);
+bool MapPoint(const CDataPlot& plot, const RECT& rc, double x, double y, CPoint* point) {
+    const FieldAxis ax(plot.m_dMinX, plot.m_dMaxX, plot.m_dStepX);
+    const FieldAxis ay(plot.m_dMinY, plot.m_dMaxY, plot.m_dStepY);
     long dx = 0;
     long dy = 0;
     if (!ax.Offset(x, &dx) || !ay.Offset(y, &dy)) return false;
@@ -144,39 +74,54 @@ bool CDataPlot::MapPoint(const RECT& rc, double x, double y, CPoint* point) cons
     return true;
 }
 
-void CDataPlot::DrawGrid(CDC* dc, const RECT& rc) {
-    const int n = std::min({m_arrGridX.GetSize(), m_arrGridY.GetSize(), m_arrGridValue.GetSize()});
-    const double threshold = (m_dMaxClass + m_dMinClass) * 0.5;
+void DrawGrid(const CDataPlot& plot, CDC* dc, const RECT& rc) {
+    const int n = std::min({plot.m_arrGridX.GetSize(), plot.m_arrGridY.GetSize(), plot.m_arrGridValue.GetSize()});
+    const double threshold = (plot.m_dMaxClass + plot.m_dMinClass) * 0.5;
     for (int i = 0; i < n; ++i) {
-        const double value = m_arrGridValue.GetAt(i);
+        const double value = plot.m_arrGridValue.GetAt(i);
         CPoint p;
         // An output that is not a number belongs to neither region: its pixel stays white.
-        if (std::isnan(value) || !MapPoint(rc, m_arrGridX.GetAt(i), m_arrGridY.GetAt(i), &p)) continue;
+        if (std::isnan(value) || !MapPoint(plot, rc, plot.m_arrGridX.GetAt(i), plot.m_arrGridY.GetAt(i), &p))
+            continue;
         dc->SetPixel(static_cast<int>(p.x), static_cast<int>(p.y), value > threshold ? kAbove : kAtOrBelow);
     }
 }
 
-void CDataPlot::DrawPatterns(CDC* dc, const RECT& rc) {
-    const int n = std::min({m_arrPatternX.GetSize(), m_arrPatternY.GetSize(), m_arrPatternClass.GetSize()});
-    CBrush brushOne(kClassOne);
-    CBrush brushTwo(kClassTwo);
+void DrawPatterns(CDataPlot& plot, CDC* dc, const RECT& rc) {
+    const int n = std::min({plot.m_arrPatternX.GetSize(), plot.m_arrPatternY.GetSize(),
+                            plot.m_arrPatternClass.GetSize()});
+    CBrush brushOne(CDataPlot::kClassOneColour);
+    CBrush brushTwo(CDataPlot::kClassTwoColour);
     for (int i = 0; i < n; ++i) {
         CPoint p;
-        if (!MapPoint(rc, m_arrPatternX.GetAt(i), m_arrPatternY.GetAt(i), &p)) continue;
+        if (!MapPoint(plot, rc, plot.m_arrPatternX.GetAt(i), plot.m_arrPatternY.GetAt(i), &p)) continue;
         const int x = static_cast<int>(p.x);
         const int y = static_cast<int>(p.y);
-        if (m_arrPatternClass.GetAt(i) == 1.0) {
-            CPen* oldPen = dc->SelectObject(&m_penClassOne);
+        if (plot.m_arrPatternClass.GetAt(i) == 1.0) {
+            CPen* oldPen = dc->SelectObject(&plot.m_penClassOne);
             CBrush* oldBrush = dc->SelectObject(&brushOne);
             dc->Ellipse(x - 2, y - 2, x + 2, y + 2);
             dc->SelectObject(oldPen);
             dc->SelectObject(oldBrush);
         } else {
-            CPen* oldPen = dc->SelectObject(&m_penClassTwo);
+            CPen* oldPen = dc->SelectObject(&plot.m_penClassTwo);
             CBrush* oldBrush = dc->SelectObject(&brushTwo);
             dc->Rectangle(x - 2, y - 2, x + 2, y + 2);
             dc->SelectObject(oldPen);
             dc->SelectObject(oldBrush);
         }
     }
+}
+
+}  // namespace
+
+void DrawAll(CDataPlot& plot, CDC* dc, const RECT& rc) {
+    dc->FillSolidRect(&rc, kField);
+    if (plot.m_bShowData == 0) {
+        DrawNotice(dc, rc);
+        return;
+    }
+    DrawBackground(dc, rc);
+    DrawGrid(plot, dc, rc);
+    DrawPatterns(plot, dc, rc);
 }

@@ -1,15 +1,14 @@
 // Load Data: the data set file into m_pInputs and m_pTargets, and the Data Set Information dialog.
 #include <algorithm>
-#include <climits>
 #include <new>
-#include <string>
 
 #include "files/datafile.h"
-#include "files/scanner.h"
 #include "workspace/blocks.h"
 #include "workspace/workspace.h"
 
 namespace {
+
+void ShowError(CVantrelDlg& dlg, const char* text) { dlg.MessageBox(text, "Error", MB_ICONHAND); }
 
 // Allocates both pattern arrays or neither.
 bool AllocatePatternArrays(CVantrelDlg& dlg) {
@@ -18,6 +17,39 @@ bool AllocatePatternArrays(CVantrelDlg& dlg) {
     } catch (const std::bad_alloc&) {
         return false;
     }
+    return true;
+}
+
+// A refusal before the counts are known leaves the Data Set Information dialog nothing to show.
+bool RefusedBeforeCounts(DataSetStatus status) {
+    return status == DataSetStatus::CannotOpen || status == DataSetStatus::TextTooLarge ||
+           status == DataSetStatus::CountsTooLarge;
+}
+
+// The counts of the set read, shown in the Data Set Information dialog, which asks whether it is a
+// classification set.
+void AskDataSetType(CVantrelDlg& dlg, const CPatternRows& rows) {
+    dlg.m_nPatterns = static_cast<UINT>(rows.shape.patterns);
+    dlg.m_nOutputs = 1;
+    dlg.m_nInputs = rows.nInputs;
+    dlg.m_dlgDataSetInfo.m_nInputs = dlg.m_nInputs;
+    dlg.m_dlgDataSetInfo.m_nOutputs = dlg.m_nOutputs;
+    dlg.m_dlgDataSetInfo.m_nPatterns = dlg.m_nPatterns;
+    dlg.m_dlgDataSetInfo.DoModal();  // however it ends, the load goes on
+    dlg.m_bClassification = dlg.m_nInputs == 2 && dlg.m_dlgDataSetInfo.m_nDataSetType == 0;
+}
+
+// The rows into new pattern blocks. False when they don't fit: the counts then go back to those of no data,
+// so that no loop walks the missing arrays.
+bool StorePatterns(CVantrelDlg& dlg, const CPatternRows& rows, DataSetStatus status) {
+    if (status == DataSetStatus::RowsTooLarge || !AllocatePatternArrays(dlg)) {
+        dlg.m_nPatterns = 0;
+        dlg.m_nInputs = 0;
+        dlg.m_nOutputs = 0;
+        return false;
+    }
+    std::copy(rows.inputs.begin(), rows.inputs.end(), dlg.m_pInputs);
+    std::copy(rows.targets.begin(), rows.targets.end(), dlg.m_pTargets);
     return true;
 }
 
@@ -31,67 +63,31 @@ void CVantrelDlg::OnLoadData() {
     UpdateData(TRUE);
 
     CFileDialog fileDlg(TRUE, "txt", nullptr, 6, kDataFileFilter);
-    if (fileDlg.DoModal() != IDOK) {
-        m_bDataLoaded = false;
-        return;
-    }
+    const bool chosen = fileDlg.DoModal() == IDOK;
+    m_bDataLoaded = false;  // until the new set has passed every rule
+    if (!chosen) return;
     m_strDataPath = fileDlg.GetPathName();
     m_strDataTitle = fileDlg.GetFileTitle();
-
-    std::string text;
-    const ReadTextResult read = ReadScanText(m_strDataPath, text);
-    if (read != ReadTextResult::Ok) {
-        MessageBox(read == ReadTextResult::CannotOpen ? kCannotOpenFile : kDataSetTooLarge, "Error",
-                   MB_ICONHAND);
-        m_bDataLoaded = false;
-        return;
-    }
 
     // The old set goes before the new one is read, so that memory holds one data set at a time; the text goes
     // once its rows are read.
     ReleaseBlocks(*this, {Block::Inputs, Block::Targets});
     CPatternRows rows;
-    const bool fits = ReadPatterns(text, rows);
-    std::string().swap(text);
-
-    if (rows.shape.patterns > UINT_MAX || rows.shape.columns > UINT_MAX) {
-        MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
-        m_bDataLoaded = false;
+    const DataSetStatus status = ReadDataSet(m_strDataPath, rows);
+    if (RefusedBeforeCounts(status)) {
+        ShowError(*this, DataSetMessage(status));
         return;
     }
-    m_nPatterns = static_cast<UINT>(rows.shape.patterns);
-    m_nOutputs = 1;
-    m_nInputs = rows.shape.columns > 0 ? static_cast<UINT>(rows.shape.columns - 1) : 0;
-
-    m_dlgDataSetInfo.m_nInputs = m_nInputs;
-    m_dlgDataSetInfo.m_nOutputs = m_nOutputs;
-    m_dlgDataSetInfo.m_nPatterns = m_nPatterns;
-    m_dlgDataSetInfo.DoModal();  // however it ends, the load goes on
-    m_bClassification = m_nInputs == 2 && m_dlgDataSetInfo.m_nDataSetType == 0;
-
-    if (!fits || !AllocatePatternArrays(*this)) {
-        // Nothing was loaded: the counts go back to those of no data, so that no loop walks the missing arrays.
-        m_nPatterns = 0;
-        m_nInputs = 0;
-        m_nOutputs = 0;
-        MessageBox(kDataSetTooLarge, "Error", MB_ICONHAND);
-        m_bDataLoaded = false;
+    AskDataSetType(*this, rows);
+    if (!StorePatterns(*this, rows, status)) {
+        ShowError(*this, kDataSetTooLarge);
         return;
     }
-    std::copy(rows.inputs.begin(), rows.inputs.end(), m_pInputs);
-    std::copy(rows.targets.begin(), rows.targets.end(), m_pTargets);
-    if (rows.values != rows.inputs.size() + rows.targets.size()) {
-        MessageBox(kDataFileIncomplete, "Error", MB_ICONHAND);
-        m_bDataLoaded = false;
-        return;
-    }
-
-    // A set without patterns or without inputs (reached only by closing the information dialog without OK)
-    // can't be trained or verified: counts divide the error and size the network. It is refused here, and
-    // stays in the workspace as an incomplete file would.
-    if (m_nPatterns == 0 || m_nInputs == 0) {
-        MessageBox(m_nPatterns == 0 ? kNoPatterns : kNoInputs, "Error", MB_ICONHAND);
-        m_bDataLoaded = false;
+    // A set with values missing, without patterns or without inputs (the last two reached only by closing the
+    // information dialog without OK) can't be trained or verified: counts divide the error and size the
+    // network. It is refused here, and stays in the workspace.
+    if (status != DataSetStatus::Ok) {
+        ShowError(*this, DataSetMessage(status));
         return;
     }
 

@@ -1,4 +1,5 @@
-// The main dialog: start-up, the information list, the algorithm rules, the curve radios and the close.
+// The main dialog: its making and end, start-up, the information list, the algorithm rules, the curve radios
+// and the close.
 #include "shell/mainwindow.h"
 
 #include "platform/drawing.h"
@@ -6,6 +7,7 @@
 #include "platform/thread.h"
 #include "platform/uiqueue.h"
 #include "shell/plotaxes.h"
+#include "shell/plots.h"
 
 namespace {
 
@@ -24,9 +26,22 @@ const char* const kWelcomeLines[] = {
     "--Contact: vantrel@example.org",
 };
 
-constexpr int kMaxInfoLines = 2000;
 
 }  // namespace
+
+CVantrelDlg::CVantrelDlg(CWnd* parent) : CDialog(IDD, parent) {
+    HandPainter(m_iterationPlot);
+    HandPainter(m_summaryPlot);
+    HandPainter(m_dataPlot);
+}
+
+CVantrelDlg::~CVantrelDlg() {
+    // A worker must never outlive the arrays it uses: the window's close waits for it, and so does this.
+    m_cancel.Abandon();
+    if (AfxRunningWorkers() > 0) AfxWaitForWorkers();
+    m_bTraining = false;
+    ReleaseArrays();
+}
 
 BEGIN_MESSAGE_MAP(CVantrelDlg, CDialog)
     ON_WM_SYSCOMMAND()
@@ -123,23 +138,6 @@ BOOL CVantrelDlg::OnInitDialog() {
     return TRUE;
 }
 
-void CVantrelDlg::AppendInfo(CString strLine) {
-    // A run's worker tells of a result file that failed: the count of lines is the main thread's alone.
-    if (!AfxIsGuiThread()) {
-        platform::CallOnGui([&] { AppendInfo(strLine); });
-        return;
-    }
-    if (m_nInfoLines == kMaxInfoLines) ClearInfo();
-    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_INSERTSTRING, m_nInfoLines, reinterpret_cast<LPARAM>(static_cast<const char*>(strLine)));
-    ++m_nInfoLines;
-    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_SETCURSEL, m_nInfoLines - 1);
-}
-
-void CVantrelDlg::ClearInfo() {
-    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_RESETCONTENT);
-    m_nInfoLines = 0;
-}
-
 void CVantrelDlg::OnSelchangeAlgorithm() {
     m_nAlgorithm = static_cast<int>(GetDlgItem(IDC_ALGORITHMS)->SendMessage(CB_GETCURSEL));
     m_bNetworkReady = false;
@@ -169,7 +167,7 @@ void CVantrelDlg::ApplyAlgorithmRules() {
     }
     plotaxes::NamePlot(m_summaryPlot, plotaxes::SummaryTitle(m_summaryPlot.m_nMode, m_summaryPlot.m_nMultiplier));
     // The default depends on the algorithm alone and replaces what the user had typed.
-    m_nIterations = (m_nAlgorithm == engine::kFirstOrder || m_nAlgorithm == engine::kImprovedFirstOrder) ? 100000 : 200;
+    m_nIterations = engine::DefaultIterations(m_nAlgorithm);
     UpdateData(FALSE);
 }
 

@@ -19,8 +19,6 @@ void NamePlot(CWnd& plot, const CString& title) {
 
 namespace {
 
-// Beyond this many decades a bound is not stepped to one decade at a time.
-constexpr double kFarDecades = 1000.0;
 // Pixels beyond this distance are all alike: far outside any surface, still a safe int.
 constexpr double kFarPixels = 1.0e6;
 
@@ -29,8 +27,7 @@ void Line(CDC* dc, long x0, long y0, long x1, long y1) {
     dc->LineTo(static_cast<int>(x1), static_cast<int>(y1));
 }
 
-}  // namespace
-
+// The plotting area within the client rectangle c.
 RECT PlotFrame(const RECT& c) {
     RECT frame;
     frame.left = c.left + 45;
@@ -40,11 +37,14 @@ RECT PlotFrame(const RECT& c) {
     return frame;
 }
 
+// Transparent text background, and c filled with white.
 void ClearClient(CDC* dc, const RECT& c) {
     dc->SetBkMode(TRANSPARENT);
     dc->FillSolidRect(&c, kWhite);
 }
 
+// The horizontal grid of a logarithmic axis over the given number of decades of h pixels each, from the
+// bottom: per decade its bottom line and the lines of 1 to 10 times its power of ten.
 void DrawDecadeRows(CDC* dc, const RECT& frame, int h, int decades) {
     for (int i = 0; i < decades; ++i) {
         const long y0 = frame.bottom - i * h;
@@ -56,11 +56,13 @@ void DrawDecadeRows(CDC* dc, const RECT& frame, int h, int decades) {
     }
 }
 
+// "10" at the left of each decade line, decades + 1 of them.
 void WriteDecadeTens(CDC* dc, const RECT& c, const RECT& frame, int h, int decades) {
     for (int i = 0; i <= decades; ++i)
         dc->TextOut(static_cast<int>(c.left + 5), static_cast<int>(frame.top - 5 + i * h), "10");
 }
 
+// The exponents beside the "10"s: yMax - (yMax - yMin) * i * fraction with "%.2f", top down.
 void WriteYExponents(CDC* dc, const RECT& c, const RECT& frame, int h, int decades, double yMax, double yMin,
                      double fraction) {
     for (int i = 0; i <= decades; ++i) {
@@ -70,6 +72,7 @@ void WriteYExponents(CDC* dc, const RECT& c, const RECT& frame, int h, int decad
     }
 }
 
+// The frame, with the pen that is selected: (L, T), (L, B), (R, B), (R, T), (L, T).
 void DrawFrame(CDC* dc, const RECT& frame) {
     dc->MoveTo(static_cast<int>(frame.left), static_cast<int>(frame.top));
     dc->LineTo(static_cast<int>(frame.left), static_cast<int>(frame.bottom));
@@ -77,6 +80,50 @@ void DrawFrame(CDC* dc, const RECT& frame) {
     dc->LineTo(static_cast<int>(frame.right), static_cast<int>(frame.top));
     dc->LineTo(static_cast<int>(frame.left), static_cast<int>(frame.top));
 }
+
+}  // namespace
+
+RECT DrawCurveAxes(CDC* dc, const RECT& c, const CString& title, int decades, double yMax, double yMin,
+                   double fraction, const CXAxisDrawing& x) {
+    ClearClient(dc, c);
+    CFont titleFont;
+    titleFont.CreatePointFont(110, kAxisFace);
+    CFont* oldFont = dc->SelectObject(&titleFont);
+    dc->SetTextColor(kBlack);
+    RECT titleRect{c.left + 40, c.top, c.right, c.top + 20};
+    dc->DrawText(title, &titleRect, DT_CENTER);
+
+    CPen framePen(PS_SOLID, 2, kBlack);
+    CPen* oldPen = dc->SelectObject(&framePen);
+    const RECT f = PlotFrame(c);
+    const int h = static_cast<int>((f.bottom - f.top) / decades);
+    const int w = static_cast<int>((f.right - f.left) / x.steps);
+
+    CPen gridPen(PS_DOT, 1, kGrid);
+    dc->SelectObject(&gridPen);
+    DrawDecadeRows(dc, f, h, decades);
+    x.grid(dc, f, w);
+
+    CFont labelFont;
+    labelFont.CreatePointFont(100, kAxisFace);
+    dc->SelectObject(&labelFont);
+    WriteDecadeTens(dc, c, f, h, decades);
+    x.labels(dc, f, w);
+
+    CFont exponentFont;
+    exponentFont.CreatePointFont(70, kAxisFace);
+    dc->SelectObject(&exponentFont);
+    if (x.exponents) x.exponents(dc, f, w);
+    WriteYExponents(dc, c, f, h, decades, yMax, yMin, fraction);
+
+    dc->SelectObject(&framePen);
+    DrawFrame(dc, f);
+    dc->SelectObject(oldFont);
+    dc->SelectObject(oldPen);
+    return f;
+}
+
+void VerticalLine(CDC* dc, const RECT& frame, long x) { Line(dc, x, frame.top, x, frame.bottom); }
 
 long ClampPixel(double at) { return static_cast<long>(std::fmax(-kFarPixels, std::fmin(kFarPixels, at))); }
 
@@ -97,43 +144,6 @@ bool LogAxisPixel(double origin, double length, double value, double low, double
     if (value <= 0.0) return AxisPixel(origin, length, low, low, high, pixel);
     if (std::isinf(value)) return AxisPixel(origin, length, high, low, high, pixel);
     return AxisPixel(origin, length, std::log10(value), low, high, pixel);
-}
-
-bool PositiveExtremes(const CDoubleArray& values, int n, double* smallest, double* largest) {
-    bool found = false;
-    for (int i = 0; i < n; ++i) {
-        const double v = values.GetAt(i);
-        if (!(v > 0.0) || !std::isfinite(v)) continue;
-        if (!found || v < *smallest) *smallest = v;
-        if (!found || v > *largest) *largest = v;
-        found = true;
-    }
-    return found;
-}
-
-double RaiseBound(double bound, double exponent) {
-    if (std::isnan(exponent)) return bound;
-    if (std::isnan(bound) || (exponent > bound && (std::isinf(bound) || exponent - bound > kFarDecades)))
-        return std::ceil(exponent);
-    while (exponent > bound) bound += 1.0;
-    return bound;
-}
-
-double LowerBound(double bound, double exponent) {
-    if (std::isnan(exponent)) return bound;
-    if (std::isnan(bound) || (exponent < bound && (std::isinf(bound) || bound - exponent > kFarDecades)))
-        return std::floor(exponent);
-    while (exponent < bound) bound -= 1.0;
-    return bound;
-}
-
-double WidenXDecades(double bound, double largestX) {
-    if (!(largestX > 0.0) || !std::isfinite(largestX)) return bound;
-    const double exponent = std::log10(largestX);
-    if (bound == INFINITY) return bound;
-    if (std::isnan(bound) || bound == -INFINITY || exponent - bound > kFarDecades) bound = std::floor(exponent);
-    while (std::pow(10.0, bound) < largestX) bound += 1.0;
-    return bound;
 }
 
 }  // namespace plotaxes

@@ -1,18 +1,18 @@
-// The mapping of a value to a pixel that every plot uses, with the one clamp of far-off coordinates, and what
-// the two curve plots share: the frame of the plotting area, the decade grid of the error axis, the "10"
-// labels with their small exponents, and the widening of an axis range in whole decades.
+// The mapping of a value to a pixel that every plot's picture uses, with the one clamp of far-off coordinates,
+// and what the two curve plots draw alike: the frame of the plotting area, the decade grid of the error axis,
+// and the "10" labels with their small exponents.
 #pragma once
+
+#include <functional>
 
 #include "platform/drawing.h"
 #include "platform/window.h"
-#include "workspace/doublearray.h"
 
 namespace plotaxes {
 
 constexpr COLORREF kBlack = RGB(0, 0, 0);
 constexpr COLORREF kWhite = RGB(0xFF, 0xFF, 0xFF);
 constexpr COLORREF kGrid = RGB(0xD2, 0xD2, 0xD2);
-constexpr COLORREF kCurve = RGB(0x00, 0x00, 0xFF);
 constexpr const char* kAxisFace = "Times New Roman";
 
 // The titles the curve plots draw above their frames; they also name the plots for assistive technology.
@@ -21,20 +21,26 @@ CString SummaryTitle(int mode, int multiplier);
 // Names plot by its title for assistive technology, when it has a window. Main thread.
 void NamePlot(CWnd& plot, const CString& title);
 
-// The plotting area within the client rectangle c.
-RECT PlotFrame(const RECT& c);
-// Transparent text background, and c filled with white.
-void ClearClient(CDC* dc, const RECT& c);
-// The horizontal grid of a logarithmic axis over the given number of decades of h pixels each, from the
-// bottom: per decade its bottom line and the lines of 1 to 10 times its power of ten.
-void DrawDecadeRows(CDC* dc, const RECT& frame, int h, int decades);
-// "10" at the left of each decade line, decades + 1 of them.
-void WriteDecadeTens(CDC* dc, const RECT& c, const RECT& frame, int h, int decades);
-// The exponents beside the "10"s: yMax - (yMax - yMin) * i * fraction with "%.2f", top down.
-void WriteYExponents(CDC* dc, const RECT& c, const RECT& frame, int h, int decades, double yMax, double yMin,
-                     double fraction);
-// The frame, with the pen that is selected: (L, T), (L, B), (R, B), (R, T), (L, T).
-void DrawFrame(CDC* dc, const RECT& frame);
+// What sets a curve plot's x axis apart: the steps its width falls into, and what is drawn into the plotting
+// area f with w, the width of a step: its grid lines (with the grid pen selected), its labels (with the label
+// font) and the exponents beside them (with the exponent font; a linear axis has none).
+struct CXAxisDrawing {
+    using Part = std::function<void(CDC* dc, const RECT& f, int w)>;
+    int steps;
+    Part grid;
+    Part labels;
+    Part exponents;
+};
+
+// The axes of a curve plot in the client rectangle c, drawn in this order: the client cleared, the title over
+// the frame, the decade grid of the error axis (decades rows; exponents from yMax down by fraction of the
+// range a row) and the x axis's grid lines, the "10"s and the x labels, the exponents, and last the frame.
+// Returns the plotting area.
+RECT DrawCurveAxes(CDC* dc, const RECT& c, const CString& title, int decades, double yMax, double yMin,
+                   double fraction, const CXAxisDrawing& x);
+
+// A line of the x axis's grid at x, from the frame's top to its bottom, with the pen that is selected.
+void VerticalLine(CDC* dc, const RECT& frame, long x);
 
 // A coordinate truncated to a pixel. Coordinates far outside any surface are all alike: they are clamped to
 // one far off, which is still a safe int.
@@ -47,16 +53,5 @@ bool AxisPixel(double origin, double length, double value, double low, double hi
 // logarithm: it goes to the low end of the axis (an error of 0 lies on the floor of the plot), and +inf to
 // the high end.
 bool LogAxisPixel(double origin, double length, double value, double low, double high, long* pixel);
-
-// The smallest and largest of the first n elements that are positive finite numbers, the only ones with a
-// logarithm to plot; false when there are none.
-bool PositiveExtremes(const CDoubleArray& values, int n, double* smallest, double* largest);
-// bound + 1.0 as often as needed until it is at least exponent. A bound that is not finite, or too far
-// away to step to (a value a user typed), becomes the whole number above exponent at once.
-double RaiseBound(double bound, double exponent);
-// bound - 1.0 as often as needed until it is at most exponent; the same guards.
-double LowerBound(double bound, double exponent);
-// The exponent of the x axis's right end: + 1.0 while 10 to its power is below largestX.
-double WidenXDecades(double bound, double largestX);
 
 }  // namespace plotaxes

@@ -14,8 +14,8 @@ RECT ScreenRectOf(const CWnd& dialog, int id) {
 
 // Shows a pair of exponent bounds in the dialog, and stores them back only after OK. A run goes on while the
 // dialog is open.
-template <class Plot>
-void EditBounds(Plot& plot, CRangeDlg& dialog, CAxisRange (Plot::*get)(), void (Plot::*set)(const CAxisRange&)) {
+template <class Plot, class Axes>
+void EditBounds(Plot& plot, CRangeDlg& dialog, CAxisRange (Axes::*get)(), void (Axes::*set)(const CAxisRange&)) {
     const CAxisRange range = (plot.*get)();
     dialog.m_dLower = range.lower;
     dialog.m_dUpper = range.upper;

@@ -1,6 +1,8 @@
 // The application's resources: dialog templates, the plots' menus, the string table and the program icon.
 // Controls stand in tab order; a radio group runs from a control marked WS_GROUP up to the next one so
 // marked, so the group marks below decide which radio buttons exclude each other.
+#include "shell/mainwindow.h"
+
 #include "platform/templates.h"
 #include "workspace/controls.h"
 
@@ -310,4 +312,4 @@ const ResourceTable kResources = {
 
 }  // namespace
 
-const ResourceTable& AfxGetResourceTable() { return kResources; }
+const ResourceTable& VantrelResources() { return kResources; }

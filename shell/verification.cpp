@@ -8,6 +8,7 @@
 #include "files/scanner.h"
 #include "files/verification.h"
 #include "platform/files.h"
+#include "workspace/network.h"
 #include "workspace/workspace.h"
 
 namespace {
@@ -50,23 +51,24 @@ bool TestingPatterns(CVantrelDlg& dlg, CPatternSet& set) {
     return true;
 }
 
-bool Grid1D(CVantrelDlg& dlg, CPatternSet& set) {
-    if (dlg.m_nInputs != 1) {
-        ShowError(dlg, "This Testing is only for 1-D inputs");
+// A generated grid is only for a set of its own number of inputs; its dialog then says where it lies.
+bool GridChosen(CVantrelDlg& dlg, UINT inputs, const char* otherInputs, CDialog& gridDialog) {
+    if (dlg.m_nInputs != inputs) {
+        ShowError(dlg, otherInputs);
         return false;
     }
-    if (dlg.m_dlgTest1D.DoModal() != IDOK) return false;
+    return gridDialog.DoModal() == IDOK;
+}
+
+bool Grid1D(CVantrelDlg& dlg, CPatternSet& set) {
+    if (!GridChosen(dlg, 1, "This Testing is only for 1-D inputs", dlg.m_dlgTest1D)) return false;
     const CTest1DDlg& grid = dlg.m_dlgTest1D;
     set = CPatternSet(CGridAxis{grid.m_dMinValue, grid.m_dMaxValue, grid.m_nPoints});
     return true;
 }
 
 bool Grid2D(CVantrelDlg& dlg, CPatternSet& set) {
-    if (dlg.m_nInputs != 2) {
-        ShowError(dlg, "This Testing is only for 2-D inputs");
-        return false;
-    }
-    if (dlg.m_dlgTest2D.DoModal() != IDOK) return false;
+    if (!GridChosen(dlg, 2, "This Testing is only for 2-D inputs", dlg.m_dlgTest2D)) return false;
     const CTest2DDlg& grid = dlg.m_dlgTest2D;
     set = CPatternSet(CGridAxis{grid.m_dMinX, grid.m_dMaxX, grid.m_nPointsX},
                       CGridAxis{grid.m_dMinY, grid.m_dMaxY, grid.m_nPointsY});
@@ -121,10 +123,15 @@ void CVantrelDlg::OnVerification() {
     CPatternSet set;
     if (!BuildPatternSet(*this, set)) return;
     if (set.Count() > 0 && !NetworkFitsInputs(*this)) return;
-    WriteVerificationRows(*this, set, stamped, output);
+    WriteVerificationRows(NetworkOf(*this), set, stamped, output);
     // Each file that the disk could not take is named with its cause; an incomplete file is not shown as
     // the verification's result.
-    const bool stampedSaved = CloseWrittenFile(*this, stamped, stampedPath);
-    const bool outputSaved = CloseWrittenFile(*this, output, outputPath);
+    auto close = [this](CFile& file, const CString& path) {
+        const CString failure = CloseWrittenFile(file, path);
+        if (!failure.IsEmpty()) ShowError(*this, failure);
+        return failure.IsEmpty();
+    };
+    const bool stampedSaved = close(stamped, stampedPath);
+    const bool outputSaved = close(output, outputPath);
     if (stampedSaved && outputSaved) ShellExecuteA(nullptr, "open", stampedPath, nullptr, nullptr, SW_SHOW);
 }

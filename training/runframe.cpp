@@ -25,16 +25,6 @@ UINT CWorkspaceSettings::Trials() const { return AfxReadShared(m_dlg.m_nTrials);
 
 bool CWorkspaceSettings::SaveResults() const { return AfxReadShared(m_dlg.m_bSaveResults) != 0; }
 
-namespace {
-
-// A plot takes its series as the run's growable array.
-void FillSeries(CDoubleArray& series, const std::vector<double>& values) {
-    series.SetSize(static_cast<int>(values.size()));
-    for (size_t k = 0; k < values.size(); ++k) series.SetAt(static_cast<int>(k), values[k]);
-}
-
-}  // namespace
-
 bool CWindowSink::CreateResultFile() { return m_dlg.CreateResultFile(&m_resultPath) != 0; }
 
 void CWindowSink::IterationDone(UINT iteration, double error) {
@@ -58,7 +48,7 @@ void CWindowSink::TimesDone(double seconds, double runSeconds) {
 void CWindowSink::IterationCurve(const std::vector<double>& errors) {
     const bool oneCurve = AfxReadShared(m_dlg.m_nCurveMode) == 0;
     CDoubleArray series;
-    FillSeries(series, errors);
+    CopyInto(series, errors);
     // Multiple Curves can't be chosen with the Error Correction Algorithm; any other mode draws nothing.
     if (m_errorCorrection) {
         if (oneCurve) FeedIterationPlot(m_dlg, series, true, 2);
@@ -75,7 +65,7 @@ void CWindowSink::TotalError(double error) { WriteNumber(m_dlg, IDC_CURRENT_TOTA
 
 void CWindowSink::SummaryCurve(const std::vector<double>& finalErrors, UINT multiplier) {
     CDoubleArray series;
-    FillSeries(series, finalErrors);
+    CopyInto(series, finalErrors);
     FeedSummaryPlot(m_dlg, series, static_cast<int>(multiplier), m_errorCorrection ? 2 : 0);
 }
 

@@ -2,6 +2,8 @@
 // talks to, which this header implements on the workspace: a trainee on its blocks, a settings reader of its
 // fields, and a progress sink that writes the read-outs, the plots and the result file. The run functions
 // (TrainSecondOrder, ... declared with the workspace) put them together and end the run as the window shows it.
+// training/ may include workspace/ and what lies below it, never shell/: the plots it feeds are the
+// workspace's, and it calls only their operations.
 #pragma once
 
 #include <vector>

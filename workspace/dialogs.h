@@ -4,6 +4,7 @@
 // training).
 #pragma once
 
+#include "engine/defaults.h"
 #include "platform/window.h"
 #include "workspace/controls.h"
 
@@ -46,8 +47,8 @@ public:
     int m_nWidthMode = 1;
     int m_nCenterMode = 2;
     UINT m_nUnits = 1;
-    double m_dMomentum = 0.5;
-    double m_dLearningConstant = 0.001;
+    double m_dMomentum = engine::kDefaultMomentum;
+    double m_dLearningConstant = engine::kDefaultLearningConstant;
     int m_nLoadFromFile = 0;
     UINT m_nPatterns = 0;
 
@@ -79,7 +80,7 @@ class CErrCorInitDlg : public CDialog {
 public:
     enum { IDD = IDD_ERRCOR_INIT };
     CErrCorInitDlg() : CDialog(IDD) {}
-    UINT m_nMaxUnits = 5;
+    UINT m_nMaxUnits = engine::kDefaultMaxUnits;
 
 protected:
     void DoDataExchange(CDataExchange* dx) override;

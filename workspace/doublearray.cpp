@@ -15,8 +15,6 @@ int CDoubleArray::Add(double value) {
     return index;
 }
 
-void CDoubleArray::RemoveAll() { SetSize(0); }
-
 void CDoubleArray::SetSize(int newSize, int growBy) {
     if (growBy >= 0) m_nGrowBy = growBy;
     if (newSize <= 0) {
@@ -42,4 +40,9 @@ void CDoubleArray::SetSize(int newSize, int growBy) {
     m_pData = block;
     m_nMaxSize = capacity;
     m_nSize = newSize;
+}
+
+void CopyInto(CDoubleArray& target, const std::vector<double>& values) {
+    target.SetSize(static_cast<int>(values.size()));
+    for (size_t i = 0; i < values.size(); ++i) target.SetAt(static_cast<int>(i), values[i]);
 }

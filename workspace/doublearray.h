@@ -1,6 +1,8 @@
 // CDoubleArray: a growable array of doubles, for the plots' series and the error lists of a run.
 #pragma once
 
+#include <vector>
+
 class CDoubleArray {
 public:
     CDoubleArray() = default;
@@ -13,13 +15,9 @@ public:
     void SetAt(int index, double value) { m_pData[index] = value; }
     // Appends one element and returns its index.
     int Add(double value);
-    // Frees the block; the size becomes 0.
-    void RemoveAll();
     // New elements read 0.0; kept elements keep their values. Size 0 frees the block; shrinking to any
     // other size keeps it. growBy -1 keeps the stored growth step.
     void SetSize(int newSize, int growBy = -1);
-    double* GetData() { return m_pData; }
-    const double* GetData() const { return m_pData; }
 
     double* m_pData = nullptr;
 
@@ -28,3 +26,6 @@ private:
     int m_nMaxSize = 0;
     int m_nGrowBy = 0;
 };
+
+// target becomes a copy of values: how a run's series and a plot's grid take the engine's vectors.
+void CopyInto(CDoubleArray& target, const std::vector<double>& values);

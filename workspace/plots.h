@@ -5,8 +5,9 @@
 // the operations below, each of which takes the lock, and a paint holds it while it reads them, so a paint
 // never meets half a series. Others may read the series and ranges only while no run is under way.
 //
-// The operations on the series live in plotseries.cpp; the painting, the refresh operations and the fitting
-// of the ranges belong to the window and live with it.
+// The operations on the series live in plotseries.cpp, the refresh operations that fit the ranges to them in
+// plotranges.cpp, the pens and the buffered paint in plotbase.cpp. What a paint draws is the window's
+// (shell/plots.h): the main dialog hands each plot its painter as it is made.
 #pragma once
 
 #include <functional>
@@ -16,6 +17,9 @@
 #include "platform/drawing.h"
 #include "platform/window.h"
 #include "workspace/doublearray.h"
+
+// Draws a plot's whole picture into dc over its client rectangle rc; called while the paint holds the lock.
+using CPlotPainter = std::function<void(CDC* dc, const RECT& rc)>;
 
 // The two ends of an axis, as exponents of ten on a logarithmic axis.
 struct CAxisRange {
@@ -28,84 +32,72 @@ public:
     bool PaintsItself() const override { return true; }
     // Repaints the whole client area. Safe from the worker.
     void Redraw();
+    // What the plot's paint draws from now on. Main thread, before the plot is shown.
+    void SetPainter(CPlotPainter painter);
+    // A memory DC and a bitmap of the client's size, the painter's picture drawn into it under the series
+    // lock, one BitBlt to the screen, then bitmap and DC are deleted. Without a painter the picture is blank.
+    void OnPaint() override;
 
 protected:
     std::unique_lock<std::mutex> SeriesLock() { return std::unique_lock<std::mutex>(m_seriesMutex); }
     CAxisRange LockedRange(const double& lower, const double& upper);
     void SetLockedRange(double& lower, double& upper, const CAxisRange& range);
-    // The paint of every plot: a memory DC and a bitmap of the client's size, draw(dc, client) into it under
-    // the series lock, one BitBlt to the screen, then bitmap and DC are deleted.
-    void PaintBuffered(const std::function<void(CDC*, const RECT&)>& draw);
 
     std::mutex m_seriesMutex;
+
+private:
+    CPlotPainter m_painter;
 };
 
-class CIterationPlot : public CPlotBase {
+// What the two curve plots share: a series of (x, y) pairs drawn in a frame over a logarithmic error axis.
+class CCurvePlot : public CPlotBase {
+public:
+    void ClearSeries();
+    CAxisRange YRange();
+    void SetYRange(const CAxisRange& range);
+
+    RECT m_rcPlot{};
+    CDoubleArray m_arrX;
+    CDoubleArray m_arrY;
+    CPen m_penCurve;
+    double m_dYMax = 1.0;
+    double m_dYMin;
+    int m_nMode = 0;
+
+protected:
+    explicit CCurvePlot(double yMin);
+};
+
+class CIterationPlot : public CCurvePlot {
 public:
     CIterationPlot();
     // Appends (i + 1, errors[i]) for every error; restart empties the series first (One Curve).
     void AppendCurve(const CDoubleArray& errors, bool restart);
-    void ClearSeries();
     CAxisRange XRange();
     void SetXRange(const CAxisRange& range);
-    CAxisRange YRange();
-    void SetYRange(const CAxisRange& range);
     // Sets the mode, widens (modes 0, 1) or fits (mode 2) the ranges to the series, repaints.
     void RefreshIterationPlot(int nMode);
-    void OnPaint() override;
-    // Draws the whole picture into dc over the rectangle rc (used by OnPaint and by tests).
-    void DrawAll(CDC* dc, const RECT& rc);
 
-    RECT m_rcPlot{};
-    CDoubleArray m_arrX;
-    CDoubleArray m_arrY;
-    CPen m_penCurve;
-    double m_dYMax = 1.0;
-    double m_dYMin = -3.0;
     double m_dXMax = 3.0;
     double m_dXMin = 0.0;
-    int m_nMode = 0;
 
 private:
-    void DrawAxes(CDC* dc, const RECT& rc);
-    void DrawCurve(CDC* dc);
-    void DrawCurves(CDC* dc);
-    // The pixel of a point; false when it has none (a coordinate that is not a number).
-    bool MapPoint(double x, double y, CPoint* point) const;
     void FitRanges();
 };
 
-class CSummaryPlot : public CPlotBase {
+class CSummaryPlot : public CCurvePlot {
 public:
     CSummaryPlot();
     // The series become (i + 1, errors[i]) for every error.
     void SetPoints(const CDoubleArray& errors);
-    void ClearSeries();
-    CAxisRange YRange();
-    void SetYRange(const CAxisRange& range);
     int Multiplier();
     void SetMultiplier(int nMultiplier);
     // Sets multiplier and mode, widens the y range to the series, repaints.
     void SetSummaryAxis(int nMultiplier, int nMode);
-    void OnPaint() override;
-    void DrawAll(CDC* dc, const RECT& rc);
 
-    RECT m_rcPlot{};
-    CDoubleArray m_arrX;
-    CDoubleArray m_arrY;
-    CPen m_penCurve;
     CPen m_penMarker;
     CBrush m_brushMarker;
-    double m_dYMax = 1.0;
-    double m_dYMin = -4.0;
     int m_nMultiplier = 1;
-    int m_nMode = 0;
-
-private:
-    void DrawAxes(CDC* dc, const RECT& rc);
-    void DrawPoints(CDC* dc);
-    void DrawMarker(CDC* dc, const CPoint& point);
-    bool MapPoint(double x, double y, CPoint* point) const;
 };
 
 class CDataPlot : public CPlotBase {
@@ -127,8 +119,10 @@ public:
     void ClearSeries();
     // true: show the patterns, with bounds and steps computed from them; false: show the notice.
     void RefreshDataPlot(bool bShow);
-    void OnPaint() override;
-    void DrawAll(CDC* dc, const RECT& rc);
+
+    // The colours of the marks: class 1, and any other class.
+    static constexpr COLORREF kClassOneColour = RGB(0xFF, 0x00, 0x00);
+    static constexpr COLORREF kClassTwoColour = RGB(0x00, 0x00, 0xFF);
 
     int m_bShowData = 0;
     CDoubleArray m_arrPatternX;
@@ -153,9 +147,4 @@ public:
 
 private:
     void ComputeBounds();
-    void DrawNotice(CDC* dc, const RECT& rc);
-    void DrawBackground(CDC* dc, const RECT& rc);
-    void DrawGrid(CDC* dc, const RECT& rc);
-    void DrawPatterns(CDC* dc, const RECT& rc);
-    bool MapPoint(const RECT& rc, double x, double y, CPoint* point) const;
 };

@@ -27,11 +27,6 @@ void EmptyAll(CDataPlot& plot) {
         series->SetSize(0);
 }
 
-void CopyInto(CDoubleArray& target, const std::vector<double>& values) {
-    target.SetSize(static_cast<int>(values.size()));
-    for (size_t i = 0; i < values.size(); ++i) target.SetAt(static_cast<int>(i), values[i]);
-}
-
 }  // namespace
 
 CAxisRange CPlotBase::LockedRange(const double& lower, const double& upper) {
@@ -45,6 +40,17 @@ void CPlotBase::SetLockedRange(double& lower, double& upper, const CAxisRange& r
     upper = range.upper;
 }
 
+// ---- curve plots ------------------------------------------------------------------------------------------
+
+void CCurvePlot::ClearSeries() {
+    auto lock = SeriesLock();
+    EmptyPairs(m_arrX, m_arrY);
+}
+
+CAxisRange CCurvePlot::YRange() { return LockedRange(m_dYMin, m_dYMax); }
+
+void CCurvePlot::SetYRange(const CAxisRange& range) { SetLockedRange(m_dYMin, m_dYMax, range); }
+
 // ---- iteration plot ---------------------------------------------------------------------------------------
 
 void CIterationPlot::AppendCurve(const CDoubleArray& errors, bool restart) {
@@ -53,18 +59,9 @@ void CIterationPlot::AppendCurve(const CDoubleArray& errors, bool restart) {
     AppendPairs(m_arrX, m_arrY, errors);
 }
 
-void CIterationPlot::ClearSeries() {
-    auto lock = SeriesLock();
-    EmptyPairs(m_arrX, m_arrY);
-}
-
 CAxisRange CIterationPlot::XRange() { return LockedRange(m_dXMin, m_dXMax); }
 
 void CIterationPlot::SetXRange(const CAxisRange& range) { SetLockedRange(m_dXMin, m_dXMax, range); }
-
-CAxisRange CIterationPlot::YRange() { return LockedRange(m_dYMin, m_dYMax); }
-
-void CIterationPlot::SetYRange(const CAxisRange& range) { SetLockedRange(m_dYMin, m_dYMax, range); }
 
 // ---- summary plot -----------------------------------------------------------------------------------------
 
@@ -73,15 +70,6 @@ void CSummaryPlot::SetPoints(const CDoubleArray& errors) {
     EmptyPairs(m_arrX, m_arrY);
     AppendPairs(m_arrX, m_arrY, errors);
 }
-
-void CSummaryPlot::ClearSeries() {
-    auto lock = SeriesLock();
-    EmptyPairs(m_arrX, m_arrY);
-}
-
-CAxisRange CSummaryPlot::YRange() { return LockedRange(m_dYMin, m_dYMax); }
-
-void CSummaryPlot::SetYRange(const CAxisRange& range) { SetLockedRange(m_dYMin, m_dYMax, range); }
 
 int CSummaryPlot::Multiplier() {
     auto lock = SeriesLock();

@@ -1,15 +1,23 @@
-// CVantrelDlg: the workspace and main dialog. All state of the tool lives here: the data set, the network,
-// the training scratch arrays, every setting, the control wrappers, the three plots and the ten dialogs.
+// Chief header of workspace/. CVantrelDlg: the workspace and main dialog. All state of the tool lives here: the
+// data set, the network, the training scratch arrays, every setting, the control wrappers, the three plots and
+// the ten dialogs.
 //
-// Fields stand in their declared order. The network members (model, derivatives, draw, decomposition) are
-// thin, in workspace/numerics.cpp: they size the workspace's blocks and hand them to the engine (engine/).
-// The other members are defined in the folder of the subsystem they belong to: training/ (runs), files/
-// (result and output files), shell/ (main window handlers: load, initialization, verification and the rest).
+// workspace/ holds this object and what it is made of: the table of control names (controls.h), the ten
+// dialogs (dialogs.h), the one owner of its heap blocks (blocks.h), the engine's views of its network
+// (network.h), CDoubleArray and the plots' series, ranges and paint (plots.h). It may include files/,
+// platform/ and engine/, never training/ or shell/. It owns every block, series and setting; nothing else does.
+//
+// Fields stand in their declared order. Every member is declared here, as C++ declares a class in one place,
+// and defined in the folder of the subsystem it belongs to, each group below naming its file: the network
+// members are thin, in workspace/numerics.cpp: they size the workspace's blocks and hand them to the engine;
+// the runs are training/'s; the main window's handlers, its virtual members and the dialog's making are
+// shell/'s (shell/mainwindow.h tells the shell). Nothing in workspace/ calls a member defined above it.
 #pragma once
 
 #include <atomic>
 
 #include "engine/cancel.h"
+#include "engine/defaults.h"
 #include "engine/network.h"
 #include "platform/window.h"
 #include "workspace/dialogs.h"
@@ -19,6 +27,7 @@
 class CVantrelDlg : public CDialog {
 public:
     enum { IDD = IDD_MAIN };
+    // shell/mainwindow.cpp, with the other virtual members: the dialog's making hands the plots their painters.
     explicit CVantrelDlg(CWnd* parent = nullptr);
     ~CVantrelDlg() override;
 
@@ -27,7 +36,7 @@ public:
     UINT m_nPatterns = 0;
     UINT m_nOutputs = 0;
     UINT m_nInputs = 0;
-    UINT m_nMaxUnits = 5;
+    UINT m_nMaxUnits = engine::kDefaultMaxUnits;
     UINT m_nParams = 0;
     // The number of inputs the network arrays were shaped for. Load Data changes m_nInputs and leaves the
     // network as it was, so the two can differ until the next Initialization or run.
@@ -66,8 +75,8 @@ public:
     int m_nAlgorithm = engine::kSecondOrder;  // an engine::Algorithm, int for the combo box's data exchange
 
     int m_nInfoLines = 0;
-    double m_dLearningConstant = 0.001;
-    double m_dMomentum = 0.5;
+    double m_dLearningConstant = engine::kDefaultLearningConstant;
+    double m_dMomentum = engine::kDefaultMomentum;
 
     // ---- dialogs ------------------------------------------------------------------------------------------
     CDataSetInfoDlg m_dlgDataSetInfo;
@@ -97,8 +106,8 @@ public:
     CIterationPlot m_iterationPlot;
 
     // ---- values exchanged with the main dialog's controls ----------------------------------------------------
-    double m_dDesiredError = 0.0001;
-    UINT m_nIterations = 200;
+    double m_dDesiredError = engine::kDefaultDesiredError;
+    UINT m_nIterations = engine::DefaultIterations(engine::kSecondOrder);
     CString m_strDataTitle;
     UINT m_nCurrentIteration = 0;
     double m_dPartialError = 0.0;
@@ -106,7 +115,7 @@ public:
     UINT m_nUnits = 0;
     double m_dTotalError = 0.0;
     double m_dTotalTime = 0.0;
-    UINT m_nTrials = 1;
+    UINT m_nTrials = engine::kDefaultTrials;
     int m_bOnline = 0;
     int m_bSaveResults = 0;
     CString m_strInfoEntry;
@@ -136,23 +145,26 @@ public:
     void SolveHessian(double* x);
     void LUdcmp(double* a, int n, int* indx);
 
-    // ---- training (training/) ----------------------------------------------------------------------------------
+    // ---- training (training/: start.cpp, online.cpp) -------------------------------------------------------------
     void OnStartTraining();
     void OnOnlineTraining();
     int LoadOnlineData(CString* path);
 
-    // ---- files (files/) -----------------------------------------------------------------------------------------
+    // ---- result and output files (workspace/writtenfiles.cpp, on the formats of files/) ------------------------
     int CreateResultFile(CString* path);
     void WriteRunResults(CString* path, UINT units, UINT iterations, double error);
     void WriteErrCorResults(CString* path, UINT units, UINT iterations, double error);
     int CreateOutputFile(CString* stampedPath, CString* outputPath);
 
     // ---- main window (shell/) ------------------------------------------------------------------------------------
-    void OnLoadData();
-    void OnInitialization();
-    void ShowSettings();
-    void OnVerification();
+    void OnLoadData();                  // loaddata.cpp
+    void OnInitialization();            // initialization.cpp
+    void ShowSettings();                // initialization.cpp
+    void OnVerification();              // verification.cpp
+    // The rest in mainwindow.cpp, but for the plots' menus and ranges (plotcommands.cpp) and the choice of
+    // the verification's patterns (verifydialogs.cpp).
     BOOL OnInitDialog() override;
+    // The information list (infolist.cpp, in workspace/: runs and the written files' members tell it too).
     void AppendInfo(CString strLine);
     void ClearInfo();
     // Enter and Esc do not end the program: only the close box does (OnClose).
@@ -167,19 +179,19 @@ public:
     void OnShowInfo();
     void OnSelchangeAlgorithm();
     void OnSaveResults();
-    void OnTrainingPatterns();
+    void OnTrainingPatterns();          // verifydialogs.cpp, as the three below
     void OnTestingPatterns();
     void OnCreate2DPatterns();
     void OnCreate1DPatterns();
     void OnOneCurve();
     void OnMultipleCurves();
-    void OnRButtonDown(UINT nFlags, CPoint point);
+    void OnRButtonDown(UINT nFlags, CPoint point);  // plotcommands.cpp, as the four below
     void OnIterationXRange();
     void OnSummaryXRange();
     void OnIterationYRange();
     void OnSummaryYRange();
 
-    // Releases every array the workspace owns (the close of the dialog, and the destructor).
+    // Releases every array the workspace owns (the close of the dialog, and the destructor). blocks.cpp.
     void ReleaseArrays();
     // The rules that the algorithm's selection sets: read-out captions, trials, curve radios, summary axis,
     // online training, and the default number of iterations.
@@ -190,7 +202,8 @@ protected:
     DECLARE_MESSAGE_MAP()
 };
 
-// The run functions: one argument, the workspace; 0 after a normal end, 1 after Stop or a failed result file.
+// The run functions (training/runs.cpp): one argument, the workspace; 0 after a normal end, 1 after Stop or a
+// failed result file.
 UINT TrainSecondOrder(void* pParam);
 UINT TrainImprovedSecondOrder(void* pParam);
 UINT TrainByErrorCorrection(void* pParam);

@@ -6,35 +6,17 @@ the window for the same start.
 """
 import os
 
-
-def _best_kernel_family():
-    """The BLAS kernel family that the processor's features allow at best, as the window chooses it.
-
-    The window asks the loaded BLAS what it chose and replaces only an older family; here the BLAS is not
-    loaded yet, and loading it to ask would fix its choice, so the features alone decide. The same family as
-    the window's keeps the numbers the same to the last digit.
-    """
-    try:
-        with open("/proc/cpuinfo", encoding="ascii", errors="replace") as cpuinfo:
-            flags = next((line.split(":", 1)[1].split() for line in cpuinfo if line.startswith("flags")), [])
-    except OSError:
-        return None
-    if {"avx512f", "avx512dq", "avx512bw", "avx512vl"} <= set(flags):
-        return "SkylakeX"
-    if {"avx2", "fma"} <= set(flags):
-        return "Haswell"
-    if "avx" in flags:
-        return "Sandybridge"
-    if "sse4_2" in flags:
-        return "Nehalem"
-    return None
-
+from vantrel import _kernel_family
 
 # The BLAS reads these when it is loaded: they hold when vantrel is imported before numpy, and a value the
 # user has set stays. Idle BLAS threads sleep at once instead of spinning against the engine's own threads.
+# The kernel family is the best that the processor's features allow, by the window's own rule: the window
+# asks the loaded BLAS what it chose and replaces only an older family, but here the BLAS is not loaded yet,
+# and loading it to ask would fix its choice, so the features alone decide. The same family as the window's
+# keeps the numbers the same to the last digit.
 os.environ.setdefault("OPENBLAS_THREAD_TIMEOUT", "4")
 if "OPENBLAS_CORETYPE" not in os.environ:
-    _family = _best_kernel_family()
+    _family = _kernel_family.best()
     if _family:
         os.environ["OPENBLAS_CORETYPE"] = _family
 

@@ -19,6 +19,7 @@ ALGORITHMS = {
     "improved_first_order": 4,
 }
 _CENTERS = {"input_range": 0, "patterns": 1, "patterns_unique": 2}
+_DEFAULTS = _engine.DEFAULTS  # the window's
 _NETWORK = ("input_weights", "output_weights", "widths", "centers")
 
 
@@ -47,8 +48,10 @@ def _seed(random_state):
 class _RBFNetwork(BaseEstimator):
     """What both estimators share: the parameters, the runs and the fitted network."""
 
-    def __init__(self, algorithm="second_order", units=5, iterations=None, desired_error=1e-4, trials=1,
-                 max_units=5, learning_constant=0.001, momentum=0.5, init="manual", input_weights=1.0,
+    def __init__(self, algorithm="second_order", units=5, iterations=None,
+                 desired_error=_DEFAULTS["desired_error"], trials=_DEFAULTS["trials"],
+                 max_units=_DEFAULTS["max_units"], learning_constant=_DEFAULTS["learning_constant"],
+                 momentum=_DEFAULTS["momentum"], init="manual", input_weights=1.0,
                  output_weights=1.0, widths=1.0, centers="patterns_unique", random_state=None,
                  callback=None):
         self.algorithm = algorithm
@@ -72,8 +75,9 @@ class _RBFNetwork(BaseEstimator):
             raise ValueError(f"algorithm must be one of {sorted(ALGORITHMS)}, not {self.algorithm!r}")
         if self.centers not in _CENTERS:
             raise ValueError(f"centers must be one of {sorted(_CENTERS)}, not {self.centers!r}")
-        first_order = self.algorithm in ("first_order", "improved_first_order")
-        iterations = self.iterations if self.iterations is not None else (100000 if first_order else 200)
+        iterations = self.iterations
+        if iterations is None:
+            iterations = _engine.default_iterations(ALGORITHMS[self.algorithm])
         for name, value in (("units", self.units), ("iterations", iterations), ("trials", self.trials),
                             ("max_units", self.max_units)):
             if not isinstance(value, numbers.Integral) or not 0 <= value < 2**32:

@@ -7,6 +7,7 @@
 
 #include "files/datafile.h"
 #include "files/scanner.h"
+#include "support/tempfolder.h"
 
 namespace {
 
@@ -87,3 +88,35 @@ TEST(DataSetReader, SurplusAndShortageThatCancelOutPassInReadingOrder) {
     ExpectGuardsIntact(l, "cancelling rows");
 }
 
+// The acceptance that the window's Load Data and the Python module's load_data share: each rule in its order,
+// told with the window's message.
+TEST(DataSetAcceptance, EachRuleRefusesWithItsMessageInOrder) {
+    TempFolder folder;
+    struct Case {
+        const char* name;
+        std::string bytes;
+        DataSetStatus status;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"whole", "1 2 3\r\n4 5 6\r\n", DataSetStatus::Ok, ""},
+        {"short", "1 2 3\r\n4 5\r\n", DataSetStatus::Incomplete, "Data file is incompleted!"},
+        {"empty", "\r\n", DataSetStatus::NoPatterns, "Data file holds no patterns!"},
+        {"outputs", "1\r\n2\r\n", DataSetStatus::NoInputs, "Number of Inputs Should Be Larger Than Zero"},
+    };
+    for (const Case& c : cases) {
+        CPatternRows rows;
+        const DataSetStatus status = ReadDataSet(folder.Write(c.name, c.bytes).c_str(), rows);
+        EXPECT_EQ(status, c.status) << c.name;
+        EXPECT_STREQ(DataSetMessage(status), c.message) << c.name;
+    }
+    CPatternRows rows;
+    EXPECT_EQ(ReadDataSet((folder.Path() + "/missing.txt").c_str(), rows), DataSetStatus::CannotOpen);
+    EXPECT_STREQ(DataSetMessage(DataSetStatus::CannotOpen), "Sorry, Cannot Open File!");
+    for (DataSetStatus tooLarge :
+         {DataSetStatus::TextTooLarge, DataSetStatus::CountsTooLarge, DataSetStatus::RowsTooLarge})
+        EXPECT_STREQ(DataSetMessage(tooLarge), "Data set is too large to load!");
+    EXPECT_EQ(ReadDataSet(folder.Write("read", "1 2 3\r\n4 5 6\r\n").c_str(), rows), DataSetStatus::Ok);
+    EXPECT_EQ(rows.inputs, (std::vector<double>{1, 2, 4, 5})) << "an accepted set keeps its values";
+    EXPECT_EQ(rows.targets, (std::vector<double>{3, 6}));
+}

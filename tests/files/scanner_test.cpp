@@ -9,20 +9,20 @@
 
 namespace {
 
-std::vector<std::string> Rows(const std::string& text) {
-    CRowScanner scanner(text);
-    std::vector<std::string> rows;
-    std::string_view row;
-    while (scanner.NextRow(row)) rows.emplace_back(row);
-    return rows;
+// Every piece that a scanner walks through, in order.
+template <class Scanner, bool (Scanner::*Next)(std::string_view&)>
+std::vector<std::string> Pieces(const std::string& text) {
+    Scanner scanner(text);
+    std::vector<std::string> pieces;
+    std::string_view piece;
+    while ((scanner.*Next)(piece)) pieces.emplace_back(piece);
+    return pieces;
 }
 
+std::vector<std::string> Rows(const std::string& text) { return Pieces<CRowScanner, &CRowScanner::NextRow>(text); }
+
 std::vector<std::string> Tokens(const std::string& row) {
-    CTokenScanner scanner(row);
-    std::vector<std::string> tokens;
-    std::string_view token;
-    while (scanner.NextToken(token)) tokens.emplace_back(token);
-    return tokens;
+    return Pieces<CTokenScanner, &CTokenScanner::NextToken>(row);
 }
 
 std::vector<std::vector<double>> Values(const std::string& fileBytes) {

@@ -29,6 +29,11 @@ public:
     }
     ~Canvas() { dc.SelectObject(old); }
     COLORREF At(int x, int y) const { return bitmap.GetPixel(x, y); }
+    // A line from (x0, y0) to (x1, y1) with the pen that is selected.
+    void Line(int x0, int y0, int x1, int y1) {
+        dc.MoveTo(x0, y0);
+        dc.LineTo(x1, y1);
+    }
     // The bounding box of pixels that are not white; empty (right < left) when there are none.
     RECT Inked() const {
         RECT box{bitmap.Width(), bitmap.Height(), -1, -1};
@@ -54,19 +59,16 @@ TEST(DrawingLines, LineLeavesOutItsLastPixel) {
     Canvas c(40, 40);
     CPen pen(PS_SOLID, 1, kBlack);
     c.dc.SelectObject(&pen);
-    c.dc.MoveTo(2, 5);
-    c.dc.LineTo(10, 5);
+    c.Line(2, 5, 10, 5);
     for (int x = 2; x < 10; ++x) EXPECT_EQ(c.At(x, 5), kBlack) << "pixel " << x << " of the line is missing";
     EXPECT_EQ(c.At(10, 5), kWhite) << "the end pixel of a line must be left out";
     EXPECT_EQ(c.At(1, 5), kWhite);
 
-    c.dc.MoveTo(20, 30);
-    c.dc.LineTo(20, 20);  // upward
+    c.Line(20, 30, 20, 20);  // upward
     for (int y = 21; y <= 30; ++y) EXPECT_EQ(c.At(20, y), kBlack) << "vertical line, row " << y;
     EXPECT_EQ(c.At(20, 20), kWhite) << "the end pixel of an upward line must be left out";
 
-    c.dc.MoveTo(0, 10);
-    c.dc.LineTo(10, 20);  // diagonal
+    c.Line(0, 10, 10, 20);  // diagonal
     for (int i = 0; i < 10; ++i) EXPECT_EQ(c.At(i, 10 + i), kBlack) << "diagonal step " << i;
     EXPECT_EQ(c.At(10, 20), kWhite);
 }
@@ -75,8 +77,7 @@ TEST(DrawingLines, DottedPenLeavesGapsOfThreePixels) {
     Canvas c(40, 5);
     CPen dotted(PS_DOT, 1, RGB(0xD2, 0xD2, 0xD2));
     c.dc.SelectObject(&dotted);
-    c.dc.MoveTo(0, 2);
-    c.dc.LineTo(30, 2);
+    c.Line(0, 2, 30, 2);
     std::string pattern;
     for (int x = 0; x < 12; ++x) pattern += c.At(x, 2) == RGB(0xD2, 0xD2, 0xD2) ? '#' : '.';
     EXPECT_EQ(pattern, "###...###...") << "a dotted line alternates three pixels on and three off";
@@ -86,8 +87,7 @@ TEST(DrawingLines, WidePenCoversTwoColumnsAndItsEnd) {
     Canvas c(20, 20);
     CPen pen(PS_SOLID, 2, kBlack);
     c.dc.SelectObject(&pen);
-    c.dc.MoveTo(10, 2);
-    c.dc.LineTo(10, 15);
+    c.Line(10, 2, 10, 15);
     EXPECT_EQ(c.At(9, 8), kBlack);
     EXPECT_EQ(c.At(10, 8), kBlack);
     EXPECT_EQ(c.At(11, 8), kWhite) << "a pen of width 2 is two pixels wide";
@@ -99,10 +99,8 @@ TEST(DrawingLines, LinesFarBeyondTheBitmapAreClippedQuickly) {
     CPen pen(PS_SOLID, 1, kBlack);
     c.dc.SelectObject(&pen);
     const auto start = std::chrono::steady_clock::now();
-    c.dc.MoveTo(-1000000, 25);
-    c.dc.LineTo(1000000, 25);
-    c.dc.MoveTo(25, -1000000);
-    c.dc.LineTo(26, 1000000);
+    c.Line(-1000000, 25, 1000000, 25);
+    c.Line(25, -1000000, 26, 1000000);
     const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     EXPECT_LT(seconds, 1.0) << "clipping must not walk millions of invisible pixels";
     EXPECT_EQ(c.At(0, 25), kBlack);

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "platform/drawing.h"
+#include "shell/plots.h"
 #include "support/paths.h"
 
 class Picture {
@@ -23,7 +24,7 @@ public:
         CBitmap bitmap;
         bitmap.CreateCompatibleBitmap(&dc, width, height);
         CBitmap* old = dc.SelectObject(&bitmap);
-        plot.DrawAll(&dc, RECT{0, 0, width, height});
+        DrawAll(plot, &dc, RECT{0, 0, width, height});
         dc.SelectObject(old);
         QImage image(width, height, QImage::Format_RGB32);
         for (int y = 0; y < height; ++y)

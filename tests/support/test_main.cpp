@@ -1,5 +1,5 @@
 // Test entry: the BLAS settled as the application settles it, a QApplication on the offscreen platform, so
-// window tests need no display, and the C numeric locale, as the application has it.
+// window tests need no display, the C numeric locale and the window's resources, as the application has them.
 #include <gtest/gtest.h>
 
 #include <QApplication>
@@ -7,6 +7,7 @@
 
 #include "engine/blas_setup.h"
 #include "platform/app.h"
+#include "shell/mainwindow.h"
 
 int main(int argc, char** argv) {
     engine::StartWithBlasSettings(argv);
@@ -14,5 +15,6 @@ int main(int argc, char** argv) {
     setenv("QT_QPA_PLATFORM", "offscreen", 0);
     QApplication app(argc, argv);
     AfxInitPlatform();
+    AfxSetResourceTable(VantrelResources());
     return RUN_ALL_TESTS();
 }

@@ -4,7 +4,7 @@
 #include <sstream>
 
 #include "support/tempfolder.h"
-#include "tests/training/run_fixture.h"
+#include "run_fixture.h"
 
 // One iteration of this network takes minutes (a quasi-Hessian of 4000 parameters over 100,000 patterns); the
 // session is killed after 40 s. It ends in time only when the close abandons the iteration under way.

@@ -71,7 +71,9 @@ protected:
     }
 
     std::vector<double> Curve(CDoubleArray& series) {
-        return std::vector<double>(series.GetData(), series.GetData() + series.GetSize());
+        std::vector<double> values;
+        for (int i = 0; i < series.GetSize(); ++i) values.push_back(series.GetAt(i));
+        return values;
     }
 
 private:

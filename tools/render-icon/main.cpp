@@ -9,6 +9,7 @@
 
 #include "platform/files.h"
 #include "platform/qtaccess.h"
+#include "shell/mainwindow.h"
 #include "workspace/controls.h"
 
 int main(int argc, char** argv) {
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
         std::cerr << "usage: render-icon DIR SIZE..." << std::endl;
         return 2;
     }
+    AfxSetResourceTable(VantrelResources());
     const QImage tile = platform::IconImage(IDI_PROGRAM);
     if (tile.isNull()) {
         std::cerr << "render-icon: the program has no icon " << IDI_PROGRAM << std::endl;

@@ -16,6 +16,7 @@
 #include "platform/files.h"
 #include "runner.h"
 #include "script.h"
+#include "shell/mainwindow.h"
 
 namespace {
 
@@ -116,6 +117,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName("Vantrel");
     AfxInitPlatform();
+    AfxSetResourceTable(VantrelResources());
     const std::string scriptDir = DirectoryOf(AbsolutePath(scriptPath));
     // A session given a directory of its own writes everything there, pictures too, and nothing beside the
     // script.

@@ -1,0 +1,28 @@
+// The information list: at most kMaxInfoLines lines, the oldest cleared all at once. A member of the workspace,
+// since runs and the written files' members (below the window's shell) tell it what they did.
+#include "platform/thread.h"
+#include "platform/uiqueue.h"
+#include "workspace/workspace.h"
+
+namespace {
+
+constexpr int kMaxInfoLines = 2000;
+
+}  // namespace
+
+void CVantrelDlg::AppendInfo(CString strLine) {
+    // A run's worker tells of a result file that failed: the count of lines is the main thread's alone.
+    if (!AfxIsGuiThread()) {
+        platform::CallOnGui([&] { AppendInfo(strLine); });
+        return;
+    }
+    if (m_nInfoLines == kMaxInfoLines) ClearInfo();
+    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_INSERTSTRING, m_nInfoLines, reinterpret_cast<LPARAM>(static_cast<const char*>(strLine)));
+    ++m_nInfoLines;
+    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_SETCURSEL, m_nInfoLines - 1);
+}
+
+void CVantrelDlg::ClearInfo() {
+    GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_RESETCONTENT);
+    m_nInfoLines = 0;
+}
