@@ -2,22 +2,11 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <new>
 
 #include "engine/kernels.h"
 
 namespace engine {
-
-namespace {
-
-// The C library's generator as it stands, seeded by nobody here.
-class CRandAsItStands : public CRandomSource {
-public:
-    int Next() override { return std::rand(); }
-};
-
-}  // namespace
 
 void CNetworkBuffers::SetPatterns(const double* inputs, const double* targets, UINT count, UINT inputCount) {
     m_nPatterns = count;
@@ -82,10 +71,7 @@ CStepArrays CNetworkBuffers::Step() {
 CParamLayout CNetworkBuffers::Layout() { return LayoutOf(Network(), IsImprovedAlgorithm(m_algorithm)); }
 
 void CNetworkBuffers::InitializeNetwork() {
-    // A caller that set no source gets the C library's generator as it stands. Seeding a fallback here would
-    // reseed the one generator that the caller's source draws from as well, and every draw would be alike.
-    CRandAsItStands fallback;
-    DrawNetwork(m_init, PatternArrays(), Network(), InitialNetwork(), m_random ? *m_random : fallback, m_cancel);
+    DrawNetwork(m_init, PatternArrays(), Network(), InitialNetwork(), m_random ? *m_random : m_unseeded, m_cancel);
 }
 
 void CNetworkBuffers::PackParameters() {

@@ -59,6 +59,7 @@ private:
     Algorithm m_algorithm = kSecondOrder;
     CInitSettings m_init;
     CRandomSource* m_random = nullptr;
+    CSeededRand m_unseeded{1};  // without a source of the caller's: the sequence of a generator never seeded
     UINT m_nPatterns = 0, m_nInputs = 0, m_nUnits = 0, m_nParams = 0;
     static constexpr UINT kOutputs = 1;
     std::vector<double> m_inputs, m_targets, m_outputs;
