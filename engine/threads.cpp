@@ -47,9 +47,38 @@ void KeepFreedBlocks() {
     });
 }
 
-CSingleBlasThread::CSingleBlasThread() : m_previous(openblas_get_num_threads()) { openblas_set_num_threads(1); }
+namespace {
 
-CSingleBlasThread::~CSingleBlasThread() { openblas_set_num_threads(m_previous); }
+// The BLAS's thread count is one setting for the whole process, so the holders of one thread are counted: runs
+// on several threads at once overlap their holds in any order, and a count saved and restored per hold would
+// leave the host's BLAS at one thread. The first holder saves the host's count, the last gives it back.
+struct CBlasHolds {
+    std::mutex mutex;
+    int holders = 0;
+    int hostCount = 0;
+};
+
+CBlasHolds& Holds() {
+    static CBlasHolds holds;
+    return holds;
+}
+
+}  // namespace
+
+CSingleBlasThread::CSingleBlasThread() {
+    CBlasHolds& holds = Holds();
+    const std::lock_guard<std::mutex> lock(holds.mutex);
+    if (holds.holders++ == 0) {
+        holds.hostCount = openblas_get_num_threads();
+        openblas_set_num_threads(1);
+    }
+}
+
+CSingleBlasThread::~CSingleBlasThread() {
+    CBlasHolds& holds = Holds();
+    const std::lock_guard<std::mutex> lock(holds.mutex);
+    if (--holds.holders == 0) openblas_set_num_threads(holds.hostCount);
+}
 
 }  // namespace kernels
 }  // namespace engine
