@@ -1,8 +1,11 @@
 // The iteration steps: the first-order update and the damped try loop of the second-order methods and of the
 // Error Correction Algorithm.
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <vector>
 
+#include "engine/matrix.h"
 #include "engine/memory.h"
 #include "engine/runs.h"
 
@@ -17,6 +20,41 @@ void ApplyFirstOrderStep(const CStepArrays& step, double learningConstant, doubl
         step.pDelta[i] = step.pParams[i] - old;
     }
 }
+
+namespace {
+
+// What a form that fails non-finite tries changes of the window's rules, in one place.
+struct CNonFiniteRule {
+    // x solves the damped system; false when the matrix is singular and the form fails such a try.
+    static bool Solve(CTrainee& trainee, const CDampedForm& form, double* x) {
+        if (!form.nonFiniteFails) {
+            trainee.SolveHessian(x);
+            return true;
+        }
+        try {
+            trainee.SolveHessian(x);
+            return true;
+        } catch (const CSingularMatrixException&) {
+            return false;
+        }
+    }
+
+    // Whether a try's error counts as lower: the window takes a NaN for lower.
+    static bool Lower(const CDampedForm& form, double error, double previousError) {
+        return form.nonFiniteFails ? error < previousError : !(error >= previousError);
+    }
+
+    // The iteration's error, after the network has gone back to the start of the iteration if its last try
+    // left it non-finite.
+    static double Settle(CTrainee& trainee, const CDampedForm& form, const CStepArrays& s, double error) {
+        if (!form.nonFiniteFails || std::isfinite(error)) return error;
+        std::memcpy(s.pParams, s.pDelta, size_t(s.nParams) * sizeof(double));
+        trainee.UnpackParameters();
+        return form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
+    }
+};
+
+}  // namespace
 
 CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* savedHessian, double previousError,
                             double damping, const CCancelToken& cancel) {
@@ -37,17 +75,21 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* 
         for (size_t d = 0; d < n; ++d) s.pHessian[d * n + d] += result.damping;
         // The step is the damped matrix's inverse applied to the gradient; a solve with the factors gives it
         // at a third of the cost of forming the inverse.
-        trainee.SolveHessian(step.data());
-        for (size_t r = 0; r < n; ++r) s.pParams[r] = s.pDelta[r] - step[r];
-        trainee.UnpackParameters();
-        result.error = form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
+        if (CNonFiniteRule::Solve(trainee, form, step.data())) {
+            for (size_t r = 0; r < n; ++r) s.pParams[r] = s.pDelta[r] - step[r];
+            trainee.UnpackParameters();
+            result.error = form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
+        } else {
+            result.error = std::numeric_limits<double>::quiet_NaN();
+        }
         // Smaller, or NaN: success. An equal error is a failure.
-        if (!(result.error >= previousError)) {
+        if (CNonFiniteRule::Lower(form, result.error, previousError)) {
             if (result.damping > kDampingFloor) result.damping *= 0.1;
             break;
         }
         if (result.damping < kDampingCeiling) result.damping *= 10.0;
     }
+    result.error = CNonFiniteRule::Settle(trainee, form, s, result.error);
     return result;
 }
 
