@@ -79,8 +79,8 @@ struct CDampedStep {
 // and the quasi-Hessian (in savedHessian, nParams x nParams), then tries up to kMaxTries damping values until a
 // try's error is not greater than or equal to previousError (a NaN counts as smaller). Nothing is rolled back
 // after the last failure. With form.nonFiniteFails a try succeeds only below previousError, a singular damped
-// matrix fails the try instead of throwing, and an iteration whose last try is not finite returns the network
-// to where the iteration began (its error is then measured anew).
+// matrix fails the try instead of throwing, and an iteration whose tries all fail returns the network to where
+// it began (its error is then measured anew).
 CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* savedHessian, double previousError,
                             double damping, const CCancelToken& cancel);
 

@@ -27,8 +27,8 @@ public:
     virtual bool LoadFromFile() const = 0;     // trials go on from the network as it stands, no new draw
     virtual bool SaveResults() const = 0;      // result file and blocks through the sink
     // The damped methods count a try whose error is not finite, or whose damped matrix is singular, as a failed
-    // try (the damping rises), and no iteration ends on such a try. Off, the window's rule holds: a NaN error
-    // is a success, and a singular matrix ends the run.
+    // try (the damping rises), and an iteration whose tries all fail ends where it began. Off, the window's
+    // rules hold: a NaN error is a success, a singular matrix ends the run, and the last failed try stays.
     virtual bool NonFiniteTriesFail() const { return false; }
 };
 

@@ -44,10 +44,12 @@ struct CNonFiniteRule {
         return form.nonFiniteFails ? error < previousError : !(error >= previousError);
     }
 
-    // The iteration's error, after the network has gone back to the start of the iteration if its last try
-    // left it non-finite.
-    static double Settle(CTrainee& trainee, const CDampedForm& form, const CStepArrays& s, double error) {
-        if (!form.nonFiniteFails || std::isfinite(error)) return error;
+    // The iteration's error. The window keeps the last of six failed tries, and the next iteration goes on from
+    // it, from a NaN too; a form that fails non-finite tries keeps only a successful one and otherwise returns
+    // the network to where the iteration began, so that a run of failed tries never carries the network away.
+    static double Settle(CTrainee& trainee, const CDampedForm& form, const CStepArrays& s, bool lowered,
+                         double error) {
+        if (!form.nonFiniteFails || lowered) return error;
         std::memcpy(s.pParams, s.pDelta, size_t(s.nParams) * sizeof(double));
         trainee.UnpackParameters();
         return form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
@@ -66,7 +68,8 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* 
 
     std::vector<double> step(n);
     CDampedStep result{0.0, damping, 0};
-    while (result.tries < kMaxTries) {
+    bool lowered = false;
+    while (!lowered && result.tries < kMaxTries) {
         cancel.ThrowIfAbandoned();
         ++result.tries;
         // The solve destroys the quasi-Hessian, so each later try starts again from the saved copy; the first
@@ -83,13 +86,11 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* 
             result.error = std::numeric_limits<double>::quiet_NaN();
         }
         // Smaller, or NaN: success. An equal error is a failure.
-        if (CNonFiniteRule::Lower(form, result.error, previousError)) {
-            if (result.damping > kDampingFloor) result.damping *= 0.1;
-            break;
-        }
-        if (result.damping < kDampingCeiling) result.damping *= 10.0;
+        lowered = CNonFiniteRule::Lower(form, result.error, previousError);
+        if (lowered && result.damping > kDampingFloor) result.damping *= 0.1;
+        if (!lowered && result.damping < kDampingCeiling) result.damping *= 10.0;
     }
-    result.error = CNonFiniteRule::Settle(trainee, form, s, result.error);
+    result.error = CNonFiniteRule::Settle(trainee, form, s, lowered, result.error);
     return result;
 }
 

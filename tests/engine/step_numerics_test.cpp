@@ -176,6 +176,7 @@ TEST(DampedIteration, NonFiniteTriesFailWhenTheFormSaysSo) {
         // The last scripted error is the measure taken once the network is back where the iteration began.
         {"no finite try: back to the start", {nan, INFINITY, nan, nan, nan, nan, 0.5}, 0, 6, 0.5, 10000.0},
         {"only singular tries: back to the start", {0.5}, 6, 6, 0.5, 10000.0},
+        {"six finite failures: back to the start", {0.6, 0.7, 0.8, 0.9, 1.0, 1.1, 0.5}, 0, 6, 0.5, 10000.0},
     };
     for (const Case& c : cases) {
         CScriptedTrainee t;
@@ -185,7 +186,7 @@ TEST(DampedIteration, NonFiniteTriesFailWhenTheFormSaysSo) {
         EXPECT_EQ(r.error, c.error) << c.name;
         EXPECT_NEAR(r.damping, c.damping, c.damping * 1e-12) << c.name;
         EXPECT_TRUE(t.errors.empty()) << c.name << ": every scripted error measured";
-        if (c.errors.size() == size_t(c.tries - c.singularSolves)) continue;  // a try ended finite
+        if (c.errors.size() == size_t(c.tries - c.singularSolves)) continue;  // a try lowered the error
         EXPECT_EQ(t.params, (std::vector<double>{1.0, 2.0})) << c.name << ": the network must be back at the start";
     }
     CScriptedTrainee windowRules;
