@@ -313,7 +313,6 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
 
 double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hessian, double* gradient,
                              double* spare, const CCancelToken& cancel) {
-    KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams);
     const UINT block = BlockPatterns(net.layout, net.nPatterns);
     const double flops = ForwardWork(net) + static_cast<double>(net.nPatterns) * n * ((hessian ? n : 0.0) + 6.0);
