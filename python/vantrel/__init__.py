@@ -40,8 +40,9 @@ if "OPENBLAS_CORETYPE" not in os.environ:
 
 from vantrel import _engine  # noqa: E402
 from vantrel._estimators import ALGORITHMS, RBFClassifier, RBFRegressor  # noqa: E402
+from vantrel.exceptions import NonFiniteError, SingularMatrixError  # noqa: E402
 
-__all__ = ["ALGORITHMS", "RBFClassifier", "RBFRegressor", "load_data"]
+__all__ = ["ALGORITHMS", "NonFiniteError", "RBFClassifier", "RBFRegressor", "SingularMatrixError", "load_data"]
 
 
 def load_data(path):
