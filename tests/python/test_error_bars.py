@@ -1,7 +1,9 @@
 """predict(X, return_std=True): the delta method on the engine's own Jacobian, held against a Jacobian of finite
-differences and against the true function of synthetic sets with known noise."""
+differences and against the true function of synthetic sets with known noise; the example that plots it."""
 import os
 import pathlib
+import subprocess
+import sys
 
 import numpy as np
 import pytest
@@ -98,3 +100,9 @@ def test_no_degrees_of_freedom_give_nan_with_a_warning():
     with pytest.warns(RuntimeWarning, match="no degrees of freedom"):
         assert np.isnan(est.predict(X, return_std=True)[1]).all()
 
+
+def test_error_band_example_writes_its_picture(tmp_path):
+    picture = tmp_path / "band.png"
+    subprocess.run([sys.executable, str(SOURCE / "examples" / "error_band.py"), str(picture)], check=True,
+                   capture_output=True, timeout=120)
+    assert picture.read_bytes()[:8] == b"\x89PNG\r\n\x1a\n"
