@@ -295,9 +295,10 @@ py::array_t<double> Predict(const py::dict& network, const Array& X) {
     py::array_t<double> out(rows);
     double* y = out.mutable_data();
     const double* x = X.data();
-    py::gil_scoped_release release;
-    for (py::ssize_t p = 0; p < rows; ++p)
-        y[p] = engine::NetworkOutput(net, x + p * net.nInputs, net.nInputs, engine::CCancelToken::Never());
+    WithoutGil([&] {
+        for (py::ssize_t p = 0; p < rows; ++p)
+            y[p] = engine::NetworkOutput(net, x + p * net.nInputs, net.nInputs, engine::CCancelToken::Never());
+    });
     return out;
 }
 
@@ -318,14 +319,13 @@ py::tuple OutputJacobian(const py::dict& network, const Array& X, bool improved)
     py::array_t<double> jacobian({static_cast<py::ssize_t>(rows), static_cast<py::ssize_t>(params)});
     double* y = outputs.mutable_data();
     double* J = jacobian.mutable_data();
-    {
-        py::gil_scoped_release release;
+    WithoutGil([&] {
         engine::kernels::FillJacobianTransposed(view, 0, rows, transposed.data(), rows, errors.data());
         for (std::size_t r = 0; r < rows; ++r) {
             y[r] = -errors[r];
             for (std::size_t k = 0; k < params; ++k) J[r * params + k] = -transposed[k * rows + r];
         }
-    }
+    });
     return py::make_tuple(outputs, jacobian);
 }
 

@@ -43,6 +43,19 @@ bool Closing() {
 
 }  // namespace
 
+void WithoutGil(const std::function<void()>& work) {
+    std::exception_ptr failure;
+    PyThreadState* state = PyEval_SaveThread();
+    try {
+        work();
+    } catch (...) {
+        failure = std::current_exception();  // thrown again once the GIL is back
+    }
+    if (Closing()) WaitForTheEnd();
+    PyEval_RestoreThread(state);
+    if (failure) std::rethrow_exception(failure);
+}
+
 // Enters a run into the registry for its lifetime; refuses one once the interpreter has begun to exit.
 class CFitThread::CRegistration {
 public:
@@ -92,9 +105,8 @@ engine::CRunOutcome CFitThread::Run(const Work& work, const Answer& answer) {
         m_changed.notify_all();
     });
     CWorkerJoin join(*this, worker);
-    // Nothing may throw while the GIL is released: the GIL is given up and taken back by hand, because a
-    // thread that the exiting interpreter ends leaves from PyEval_RestoreThread, and an object that took the
-    // GIL back on its way out would then end the process.
+    // The GIL is given up and taken back by hand, so that the thread can wait for the process's end instead of
+    // taking it back at the interpreter's exit; nothing may throw while it is released.
     PyThreadState* state = PyEval_SaveThread();
     for (;;) {
         bool done = false, report = false;
@@ -104,7 +116,7 @@ engine::CRunOutcome CFitThread::Run(const Work& work, const Answer& answer) {
             done = m_done;
             report = m_reportPending && !m_answerReady;
         }
-        if (done && Closing()) WaitForTheEnd();
+        if (Closing()) WaitForTheEnd();
         PyEval_RestoreThread(state);
         if (PyErr_CheckSignals() != 0) throw py::error_already_set();  // the join abandons the run first
         if (report) AnswerPending(answer);

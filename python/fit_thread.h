@@ -6,9 +6,9 @@
 // handler raises), which abandons the run.
 //
 // The interpreter may end while a fit runs on a thread that outlives its main thread (a daemon thread): at its
-// exit every run is abandoned and its thread waited for; the calling thread then waits without the GIL until
-// the process ends, and one that the interpreter ends as it takes the GIL again (the thread unwinds without
-// returning) leaves no run behind it.
+// exit every run is abandoned and its thread waited for, and the calling thread then waits without the GIL
+// until the process ends. It never takes the GIL again: the interpreter would end it there by unwinding its
+// stack, whose objects would give their Python references back without the GIL.
 #pragma once
 
 #include <pybind11/pybind11.h>
@@ -27,6 +27,11 @@ struct CProgressReport {
     double error = 0.0;                     // the average sum square error of the training patterns
     double heldOutError = 0.0;              // of the held-out patterns; NaN when not followed
 };
+
+// Runs work (which must not call into Python) without the GIL, for a caller that holds it, and throws again
+// what it threw once the GIL is back. Once the interpreter has begun to exit, the thread waits for the end of
+// the process instead of taking the GIL back.
+void WithoutGil(const std::function<void()>& work);
 
 class CFitThread {
 public:

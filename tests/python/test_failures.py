@@ -109,14 +109,19 @@ print((resource.getrusage(resource.RUSAGE_SELF).ru_maxrss - before) // 1024)
     assert int(grown_mb) < 50, f"the refused fit grew the process by {grown_mb} MB"
 
 
-@pytest.mark.parametrize("callback", [None, "lambda i, e: None"])
-def test_a_fit_on_a_thread_that_outlives_the_main_thread_ends_cleanly(callback):
-    program = f"""
+@pytest.mark.parametrize("work", [
+    "est.fit(X, X[:, 0])",
+    "est.set_params(callback=lambda i, e: None).fit(X, X[:, 0])",
+    "est.set_params(iterations=2).fit(X[:100], X[:100, 0])\nwhile True: est.predict(np.tile(X, (500, 1)))",
+], ids=["fit", "fit with a callback", "predict"])
+def test_work_on_a_thread_that_outlives_the_main_thread_ends_cleanly(work):
+    program = """
 import threading, time, numpy as np, vantrel
 X = np.random.default_rng(0).random((2000, 2))
-est = vantrel.RBFRegressor(algorithm="first_order", units=50, learning_constant=1e-6, desired_error=0,
-                           callback={callback})
-threading.Thread(target=est.fit, args=(X, X[:, 0]), daemon=True).start()
+est = vantrel.RBFRegressor(algorithm="first_order", units=50, learning_constant=1e-6, desired_error=0)
+def work():
+""" + "".join(f"    {line}\n" for line in work.splitlines()) + """
+threading.Thread(target=work, daemon=True).start()
 time.sleep(0.5)
 print("main ends")
 """
