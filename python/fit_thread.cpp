@@ -9,8 +9,8 @@ namespace py = pybind11;
 
 namespace {
 
-// The runs under way, for the interpreter's exit. Never destroyed: a calling thread that the exiting interpreter
-// ends still leaves the registry after the process's static objects are gone.
+// The runs under way, for the interpreter's exit. Never destroyed: calling threads that wait for the end of the
+// process still read it while the process's static objects go.
 struct CRegistry {
     std::mutex mutex;
     std::set<CFitThread*> runs;
