@@ -5,9 +5,11 @@ each damped algorithm is fitted over a sweep of unit counts with 3-fold cross-va
 nonfinite="raise" (the window's rules: a fit that ends non-finite raises) and once with nonfinite="fail_try".
 Prints, per set and algorithm, the fits that ended finite out of all, and the best cross-validated score (R^2,
 or accuracy for two moons) over the unit counts, each fold that raised counting as a failed fold. Takes some
-minutes:
+minutes; Error Correction's sweep stops at 50 units (its growth trains every count below as well, 200
+iterations each):
 
     PYTHONPATH=build/python /usr/bin/python3 bench/nonfinite_endings.py [--units 5,10,25,50,75,100]
+        [--growth-units 5,10,25,50]
 """
 import argparse
 import time
@@ -62,8 +64,12 @@ def fold_scores(X, y, classify, algorithm, units, setting):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--units", default="5,10,25,50,75,100")
-    unit_counts = [int(u) for u in parser.parse_args().units.split(",")]
-    print(f"units {unit_counts}, 3 folds each; machine load {open('/proc/loadavg').read().split()[:3]}")
+    parser.add_argument("--growth-units", default="5,10,25,50")
+    args = parser.parse_args()
+    counts = {"fixed": [int(u) for u in args.units.split(",")],
+              "growth": [int(u) for u in args.growth_units.split(",")]}
+    print(f"units {counts['fixed']}, error_correction {counts['growth']}, 3 folds each; "
+          f"machine load {open('/proc/loadavg').read().split()[:3]}")
     print(f"{'set':12} {'algorithm':22} " + " ".join(f"{s + ' finite':>16} {s + ' best':>14}" for s in SETTINGS))
     for name, (make, classify) in SETS.items():
         X, y = make()
@@ -72,7 +78,7 @@ def main():
             for setting in SETTINGS:
                 finite = total = 0
                 best = -np.inf
-                for units in unit_counts:
+                for units in counts["growth" if algorithm == "error_correction" else "fixed"]:
                     scores = fold_scores(X, y, classify, algorithm, units, setting)
                     finite += sum(s is not None for s in scores)
                     total += len(scores)
