@@ -2,20 +2,9 @@
 
 #include <algorithm>
 #include <climits>
-#include <cstdlib>
 #include <new>
 
 namespace engine {
-
-namespace {
-
-// The C library's generator as it stands, seeded by nobody here.
-class CRandAsItStands : public CRandomSource {
-public:
-    int Next() override { return std::rand(); }
-};
-
-}  // namespace
 
 void CBufferStore::SetUnits(UINT units, UINT inputs) {
     const size_t weights = size_t(units) * inputs;
@@ -89,12 +78,7 @@ void CBufferStore::AddUnit() {
     ++m_nUnits;
 }
 
-CRandomSource& CBufferStore::NewDraw() {
-    // A caller that set no source gets the C library's generator as it stands. Seeding a fallback here would
-    // reseed the one generator that the caller's source draws from as well, and every draw would be alike.
-    static thread_local CRandAsItStands fallback;
-    return m_random ? *m_random : fallback;
-}
+CRandomSource& CBufferStore::NewDraw() { return m_random ? *m_random : m_unseeded; }
 
 void CPatternBuffers::SetPatterns(const double* inputs, const double* targets, UINT count, UINT inputCount) {
     m_nPatterns = count;

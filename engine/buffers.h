@@ -39,6 +39,7 @@ private:
     Algorithm m_algorithm = kSecondOrder;
     CInitSettings m_init;
     CRandomSource* m_random = nullptr;
+    CSeededRand m_unseeded{1};  // without a source of the caller's: the sequence of a generator never seeded
     UINT m_nInputs = 0, m_nUnits = 0, m_nParams = 0;
     std::vector<double> m_inputWeights, m_outputWeights, m_widths, m_centers;
     std::vector<double> m_initInputWeights, m_initOutputWeights, m_initWidths, m_initCenters;
@@ -92,6 +93,7 @@ public:
     }
 
     CNetwork Network() { return m_store.Network(); }
+    CBufferStore& Store() { return m_store; }
     CNetwork InitialNetwork() { return m_store.InitialNetwork(); }
     CPatterns PatternArrays() const { return m_patterns.View(); }
     const std::vector<double>& Outputs() const { return m_patterns.Outputs(); }

@@ -1,15 +1,34 @@
 // The draw of a new network from the initialization settings.
 #include "engine/draw.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <vector>
 
 namespace engine {
 
-CSeededRand::CSeededRand(unsigned seed) { std::srand(seed); }
+CSeededRand::CSeededRand(unsigned seed) {
+    // The library takes a seed of 0 for 1, and reads the seed as a signed word.
+    std::int32_t word = static_cast<std::int32_t>(seed == 0 ? 1u : seed);
+    m_state[0] = word;
+    for (int i = 1; i < kDegree; ++i) {
+        // 16807 * word modulo 2^31 - 1, by Schrage's method: no product overflows.
+        const std::int64_t hi = word / 127773, lo = word % 127773;
+        word = static_cast<std::int32_t>(16807 * lo - 2836 * hi);
+        if (word < 0) word += 2147483647;
+        m_state[i] = word;
+    }
+    for (int i = 0; i < 10 * kDegree; ++i) Next();  // the library drops the first 310 numbers
+}
 
-int CSeededRand::Next() { return std::rand(); }
+int CSeededRand::Next() {
+    // Words add with wrap-around; the lowest bit, the least random one, is dropped.
+    const std::uint32_t sum =
+        static_cast<std::uint32_t>(m_state[m_front]) + static_cast<std::uint32_t>(m_state[m_rear]);
+    m_state[m_front] = static_cast<std::int32_t>(sum);
+    m_front = (m_front + 1) % kDegree;
+    m_rear = (m_rear + 1) % kDegree;
+    return static_cast<int>(sum >> 1);
+}
 
 namespace {
 

@@ -3,14 +3,16 @@
 // where, so that a seed reproduces a network exactly.
 #pragma once
 
+#include <cstdint>
+
 #include "engine/cancel.h"
 #include "engine/network.h"
 #include "engine/patternsource.h"
 
 namespace engine {
 
-// The source of random numbers, passed in: the window seeds the C library's generator with the tick count,
-// a script or a test with a number of its own.
+// The source of random numbers, passed in: the window seeds its run's generator with the tick count, a script
+// or a test with a number of its own.
 class CRandomSource {
 public:
     virtual ~CRandomSource() = default;
@@ -18,12 +20,20 @@ public:
     virtual int Next() = 0;
 };
 
-// The C library's generator, seeded once at construction: the same seed gives the same numbers, and the same
-// network, as the window's draw from the same tick.
+// The C library's generator (the additive feedback generator behind rand and srand) with its state in the
+// object: the same seed gives the same numbers as srand(seed) and then rand(), and so the same network as the
+// window's draw from the same tick, while two runs on two threads each draw their own sequence.
 class CSeededRand : public CRandomSource {
 public:
     explicit CSeededRand(unsigned seed);
     int Next() override;
+
+private:
+    static constexpr int kDegree = 31;     // state words
+    static constexpr int kSeparation = 3;  // how far the front index runs ahead of the rear one
+    std::int32_t m_state[kDegree];
+    int m_front = kSeparation;
+    int m_rear = 0;
 };
 
 // How each group of a new network begins.

@@ -6,7 +6,7 @@ namespace engine {
 namespace {
 
 // Tries are judged by the error that also keeps the outputs, for the next unit's worst pattern.
-constexpr CDampedForm kGrowthForm{false, true};
+CDampedForm GrowthForm(const CRunSettings& settings) { return CDampedForm{false, true, settings.NonFiniteTriesFail()}; }
 
 // Adds a unit and trains the grown network for all iterations; there is no test against the desired error
 // within a unit. false: a stop was asked for.
@@ -21,13 +21,15 @@ bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
     trainee.PackParameters();
     savedHessian = AllocateSavedHessian(trainee.Step().nParams);  // the vector's length changes only with a unit
     run.iterationErrors.push_back(trainee.ComputeOutputs());
+    run.sink.TrialStarted(run.iterationErrors.back());
+    const CDampedForm form = GrowthForm(run.settings);
     const CRunClock clock;
 
     for (UINT iteration = 1; iteration <= run.settings.Iterations(); ++iteration) {
         if (run.cancel.StopRequested()) return false;
         run.iteration = iteration;
         const CDampedStep step =
-            DampedIteration(trainee, kGrowthForm, savedHessian.get(), run.iterationErrors.back(), damping, run.cancel);
+            DampedIteration(trainee, form, savedHessian.get(), run.iterationErrors.back(), damping, run.cancel);
         damping = step.damping;
         run.iterationErrors.push_back(step.error);
         run.sink.IterationDone(iteration, step.error);

@@ -50,6 +50,7 @@ public:
     explicit CSecondOrderMethod(bool improved) { m_form.improved = improved; }
 
     void BeginTrial(CRunState& run) override {
+        m_form.nonFiniteFails = run.settings.NonFiniteTriesFail();
         m_damping = kInitialDamping;
         m_savedHessian = AllocateSavedHessian(run.trainee.Step().nParams);
     }
@@ -84,6 +85,7 @@ void StartTrial(CRunState& run, CTrialMethod& method) {
     run.trainee.PackParameters();
     method.BeginTrial(run);
     run.iterationErrors.push_back(run.trainee.ComputeError());
+    run.sink.TrialStarted(run.iterationErrors.back());
 }
 
 // Iterates until the error falls below the desired one (or is NaN) or the iterations run out. false: a stop

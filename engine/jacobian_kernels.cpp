@@ -424,7 +424,6 @@ void FillJacobianTransposed(const CNetworkView& net, UINT first, UINT count, dou
 
 double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hessian, double* gradient,
                              double* spare, const CCancelToken& cancel) {
-    KeepFreedBlocks();
     const size_t n = nParams, rowCount = RowWidth(net, nParams), square = hessian ? n * n : 0;
     const double flops = ForwardWork(net) + static_cast<double>(net.nPatterns) * n * ((hessian ? n : 0.0) + 6.0);
     // The workers' rows and levels, the parts' sums beyond the caller's (part 1's quasi-Hessian goes to the

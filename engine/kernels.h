@@ -84,22 +84,16 @@ void ExpArray(const double* in, double* out, size_t count);
 int ThreadCount();
 void LimitThreads(int count);
 
-// Keeps freed blocks of up to 32 MiB with the process for the next allocation, instead of returning them to
-// the system page by page; once per process, at the first accumulation.
-void KeepFreedBlocks();
-
-// For its lifetime, keeps the BLAS to one thread, and restores the count it found. The kernels split their
-// products into pieces that the shape fixes and share them among their own threads: the BLAS's threads would
-// split the work by their number, and the sums would then differ from one machine to the next.
+// For its lifetime, keeps the BLAS to one thread; when the last of the objects alive at once (on any thread)
+// ends, the BLAS gets back the count it had before the first. The kernels split their products into pieces
+// that the shape fixes and share them among their own threads: the BLAS's threads would split the work by
+// their number, and the sums would then differ from one machine to the next.
 class CSingleBlasThread {
 public:
     CSingleBlasThread();
     ~CSingleBlasThread();
     CSingleBlasThread(const CSingleBlasThread&) = delete;
     CSingleBlasThread& operator=(const CSingleBlasThread&) = delete;
-
-private:
-    int m_previous;
 };
 
 // Copies the upper triangle of the n x n row-major matrix a onto its lower triangle.

@@ -15,9 +15,10 @@ CRunOutcome BeginRun(CRunState& run) {
     // The loader refuses such sets; should one come through anyway, the worst-pattern search and the center
     // copy of a new unit would read rows that don't exist, so no run starts on it.
     if (run.trainee.Patterns() == 0 || run.trainee.Inputs() == 0)
-        return {RunEnding::Failed, "The data set has no patterns or no inputs: load another data set before training."};
+        return {RunEnding::Failed, "The data set has no patterns or no inputs: load another data set before training.",
+                RunFailure::NoData};
     if (run.settings.SaveResults() && !run.sink.CreateResultFile())
-        return {RunEnding::Failed, "Create Result File Failed!"};
+        return {RunEnding::Failed, "Create Result File Failed!", RunFailure::ResultFile};
     return Ended(RunEnding::Normal);
 }
 
@@ -32,19 +33,23 @@ std::string Format(const char* format, unsigned value, const char* text = "") {
 }  // namespace
 
 CRunOutcome FailureOutcome(const CRunState& run) {
-    CRunOutcome outcome{RunEnding::Failed, std::string()};
+    CRunOutcome outcome{RunEnding::Failed, std::string(), RunFailure::Other, run.iteration};
     try {
         throw;
     } catch (const CCancelled&) {
         outcome.ending = RunEnding::Abandoned;
+        outcome.failure = RunFailure::None;
     } catch (const CQuasiHessianTooLarge&) {
+        outcome.failure = RunFailure::Memory;
         outcome.message = Format("Not enough memory for the quasi-Hessian of %u parameters: training stopped.",
                                  run.trainee.Step().nParams);
     } catch (const std::bad_alloc&) {
+        outcome.failure = RunFailure::Memory;
         outcome.message = Format("Not enough memory: training stopped at iteration %u.", run.iteration);
     } catch (const std::exception& failure) {
         // In practice the singular matrix of the inversion: a quasi-Hessian with a positive damping value
         // has no zero row, so a row without magnitude means that the network has turned to NaN.
+        if (dynamic_cast<const CSingularMatrixException*>(&failure)) outcome.failure = RunFailure::SingularMatrix;
         outcome.message = Format("Training stopped at iteration %u: %s.\n"
                                  "The network can't be trained further from its present values; initialize it again.",
                                  run.iteration, failure.what());

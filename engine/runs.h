@@ -22,9 +22,21 @@ enum class RunEnding {
     Abandoned,  // the token was abandoned: the iteration under way was dropped
 };
 
+// What made a run fail.
+enum class RunFailure {
+    None,
+    NoData,          // no patterns or no inputs
+    ResultFile,      // the result file could not be created
+    Memory,          // a block that would not fit
+    SingularMatrix,  // the damped quasi-Hessian of a network gone non-finite
+    Other,
+};
+
 struct CRunOutcome {
     RunEnding ending = RunEnding::Normal;
-    std::string message;  // Failed only
+    std::string message;                    // Failed only
+    RunFailure failure = RunFailure::None;  // Failed only
+    UINT iteration = 0;                     // Failed only: the iteration under way, 0 before the first
 };
 
 // The four algorithms of a fixed number of units: trials, each from a new draw (or, loading from a file, from
@@ -52,8 +64,9 @@ constexpr int kMaxTries = 6;
 
 // How a damped iteration accumulates and judges its tries.
 struct CDampedForm {
-    bool improved = false;     // the Jacobian carries the input weights
-    bool keepOutputs = false;  // tries judged by ComputeOutputs (Error Correction), else ComputeError
+    bool improved = false;        // the Jacobian carries the input weights
+    bool keepOutputs = false;     // tries judged by ComputeOutputs (Error Correction), else ComputeError
+    bool nonFiniteFails = false;  // CRunSettings::NonFiniteTriesFail
 };
 
 struct CDampedStep {
@@ -65,7 +78,9 @@ struct CDampedStep {
 // One iteration of the damped Gauss-Newton step: accumulates once, saves the parameters (in the step's delta)
 // and the quasi-Hessian (in savedHessian, nParams x nParams), then tries up to kMaxTries damping values until a
 // try's error is not greater than or equal to previousError (a NaN counts as smaller). Nothing is rolled back
-// after the last failure.
+// after the last failure. With form.nonFiniteFails a try succeeds only below previousError, a singular damped
+// matrix fails the try instead of throwing, and an iteration whose tries all fail returns the network to where
+// it began (its error is then measured anew).
 CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* savedHessian, double previousError,
                             double damping, const CCancelToken& cancel);
 

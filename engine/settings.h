@@ -27,6 +27,10 @@ public:
     virtual double Momentum() const = 0;
     virtual bool LoadFromFile() const = 0;     // trials go on from the network as it stands, no new draw
     virtual bool SaveResults() const = 0;      // result file and blocks through the sink
+    // The damped methods count a try whose error is not finite, or whose damped matrix is singular, as a failed
+    // try (the damping rises), and an iteration whose tries all fail ends where it began. Off, the window's
+    // rules hold: a NaN error is a success, a singular matrix ends the run, and the last failed try stays.
+    virtual bool NonFiniteTriesFail() const { return false; }
 };
 
 struct CFixedSettings : CRunSettings {
@@ -39,6 +43,7 @@ struct CFixedSettings : CRunSettings {
     double momentum = kDefaultMomentum;
     bool loadFromFile = false;
     bool saveResults = false;
+    bool nonFiniteTriesFail = false;
 
     Algorithm GetAlgorithm() const override { return algorithm; }
     UINT Iterations() const override { return iterations; }
@@ -49,6 +54,7 @@ struct CFixedSettings : CRunSettings {
     double Momentum() const override { return momentum; }
     bool LoadFromFile() const override { return loadFromFile; }
     bool SaveResults() const override { return saveResults; }
+    bool NonFiniteTriesFail() const override { return nonFiniteTriesFail; }
 };
 
 class CProgressSink {
@@ -57,6 +63,8 @@ public:
     // Before the first trial or unit, when saving: false when the result file can't be created, and the run
     // then ends as failed.
     virtual bool CreateResultFile() { return true; }
+    // A trial or unit begins: the error of its network before the first iteration.
+    virtual void TrialStarted(double /*error*/) {}
     // After each iteration: its number (from 1) and the error after it.
     virtual void IterationDone(UINT /*iteration*/, double /*error*/) {}
     // Error Correction: the network has grown to `units`.

@@ -1,8 +1,11 @@
 // The iteration steps: the first-order update and the damped try loop of the second-order methods and of the
 // Error Correction Algorithm.
+#include <cmath>
 #include <cstring>
+#include <limits>
 #include <vector>
 
+#include "engine/matrix.h"
 #include "engine/memory.h"
 #include "engine/runs.h"
 
@@ -18,6 +21,43 @@ void ApplyFirstOrderStep(const CStepArrays& step, double learningConstant, doubl
     }
 }
 
+namespace {
+
+// What a form that fails non-finite tries changes of the window's rules, in one place.
+struct CNonFiniteRule {
+    // x solves the damped system; false when the matrix is singular and the form fails such a try.
+    static bool Solve(CTrainee& trainee, const CDampedForm& form, double* x) {
+        if (!form.nonFiniteFails) {
+            trainee.SolveHessian(x);
+            return true;
+        }
+        try {
+            trainee.SolveHessian(x);
+            return true;
+        } catch (const CSingularMatrixException&) {
+            return false;
+        }
+    }
+
+    // Whether a try's error counts as lower: the window takes a NaN for lower.
+    static bool Lower(const CDampedForm& form, double error, double previousError) {
+        return form.nonFiniteFails ? error < previousError : !(error >= previousError);
+    }
+
+    // The iteration's error. The window keeps the last of six failed tries, and the next iteration goes on from
+    // it, from a NaN too; a form that fails non-finite tries keeps only a successful one and otherwise returns
+    // the network to where the iteration began, so that a run of failed tries never carries the network away.
+    static double Settle(CTrainee& trainee, const CDampedForm& form, const CStepArrays& s, bool lowered,
+                         double error) {
+        if (!form.nonFiniteFails || lowered) return error;
+        std::memcpy(s.pParams, s.pDelta, size_t(s.nParams) * sizeof(double));
+        trainee.UnpackParameters();
+        return form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
+    }
+};
+
+}  // namespace
+
 CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* savedHessian, double previousError,
                             double damping, const CCancelToken& cancel) {
     trainee.Accumulate(form.improved, true);  // once per iteration: every try steps from the same sums
@@ -28,7 +68,8 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* 
 
     std::vector<double> step(n);
     CDampedStep result{0.0, damping, 0};
-    while (result.tries < kMaxTries) {
+    bool lowered = false;
+    while (!lowered && result.tries < kMaxTries) {
         cancel.ThrowIfAbandoned();
         ++result.tries;
         // The solve destroys the quasi-Hessian, so each later try starts again from the saved copy; the first
@@ -37,17 +78,19 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* 
         for (size_t d = 0; d < n; ++d) s.pHessian[d * n + d] += result.damping;
         // The step is the damped matrix's inverse applied to the gradient; a solve with the factors gives it
         // at a third of the cost of forming the inverse.
-        trainee.SolveHessian(step.data());
-        for (size_t r = 0; r < n; ++r) s.pParams[r] = s.pDelta[r] - step[r];
-        trainee.UnpackParameters();
-        result.error = form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
-        // Smaller, or NaN: success. An equal error is a failure.
-        if (!(result.error >= previousError)) {
-            if (result.damping > kDampingFloor) result.damping *= 0.1;
-            break;
+        if (CNonFiniteRule::Solve(trainee, form, step.data())) {
+            for (size_t r = 0; r < n; ++r) s.pParams[r] = s.pDelta[r] - step[r];
+            trainee.UnpackParameters();
+            result.error = form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
+        } else {
+            result.error = std::numeric_limits<double>::quiet_NaN();
         }
-        if (result.damping < kDampingCeiling) result.damping *= 10.0;
+        // Smaller, or NaN: success. An equal error is a failure.
+        lowered = CNonFiniteRule::Lower(form, result.error, previousError);
+        if (lowered && result.damping > kDampingFloor) result.damping *= 0.1;
+        if (!lowered && result.damping < kDampingCeiling) result.damping *= 10.0;
     }
+    result.error = CNonFiniteRule::Settle(trainee, form, s, lowered, result.error);
     return result;
 }
 

@@ -8,6 +8,7 @@
 
 #include "engine/kernels.h"
 #include "files/patternblocks.h"
+#include "network_arrays.h"
 
 namespace vantrel_python {
 
@@ -32,8 +33,8 @@ engine::CNetworkView PatternView(const engine::CNetwork& net, const Array& X, co
 // The sums of one partition of patterns (an aligned run of chunks), as the whole set's tree takes them.
 py::tuple PartitionSums(const py::dict& network, const Array& X, const Array& y, bool improved,
                         engine::UINT nParams, bool hessian) {
-    const CNetworkArrays arrays(network, static_cast<engine::UINT>(X.ndim() == 2 ? X.shape(1) : 0));
-    const engine::CNetworkView view = PatternView(arrays.Network(), X, y, improved);
+    const CNetworkArrays arrays(network, X.ndim() == 2 ? X.shape(1) : 0);
+    const engine::CNetworkView view = PatternView(arrays.View(), X, y, improved);
     const size_t n = nParams;
     std::vector<double> gradient(n), square(hessian ? n * n : 0), spare(hessian ? n * n : 0);
     double sse = 0.0;
@@ -50,8 +51,8 @@ py::tuple PartitionSums(const py::dict& network, const Array& X, const Array& y,
 
 // The sum of squared errors of one partition, and the output of each of its patterns.
 py::tuple PartitionOutputs(const py::dict& network, const Array& X, const Array& y) {
-    const CNetworkArrays arrays(network, static_cast<engine::UINT>(X.ndim() == 2 ? X.shape(1) : 0));
-    const engine::CNetworkView view = PatternView(arrays.Network(), X, y, false);
+    const CNetworkArrays arrays(network, X.ndim() == 2 ? X.shape(1) : 0);
+    const engine::CNetworkView view = PatternView(arrays.View(), X, y, false);
     py::array_t<double> outputs(static_cast<py::ssize_t>(view.nPatterns));
     double sse = 0.0;
     {
@@ -107,84 +108,61 @@ py::dict NetworkDict(const engine::CNetwork& net) {
     return d;
 }
 
-CNetworkArrays::CNetworkArrays(const py::dict& network, engine::UINT inputs)
-    : m_inputWeights(network["input_weights"].cast<Array>()),
-      m_outputWeights(network["output_weights"].cast<Array>()),
-      m_widths(network["widths"].cast<Array>()),
-      m_centers(network["centers"].cast<Array>()) {
-    const auto units = static_cast<py::ssize_t>(m_widths.size());
-    if (m_inputWeights.size() != units * inputs || m_centers.size() != units * inputs ||
-        m_outputWeights.size() != units + 1)
-        throw py::value_error("the network's arrays do not make one network of " + std::to_string(inputs) +
-                              " inputs");
-    m_net = engine::CNetwork{const_cast<double*>(m_inputWeights.data()), const_cast<double*>(m_outputWeights.data()),
-                             const_cast<double*>(m_widths.data()),       const_cast<double*>(m_centers.data()),
-                             static_cast<engine::UINT>(units),           inputs,
-                             1};
-}
-
-CPythonPatterns::CPythonPatterns(py::object source, const engine::CCancelToken& cancel)
-    : m_source(std::move(source)), m_cancel(cancel) {
+CPythonPatterns::CPythonPatterns(const py::object& source, CFitThread& thread)
+    : m_source(source), m_thread(thread) {
     m_patterns = m_source.attr("n_patterns").cast<engine::UINT>();
     m_inputs = m_source.attr("n_inputs").cast<engine::UINT>();
 }
 
-template <class... Args>
-py::object CPythonPatterns::Call(const char* name, Args&&... args) {
-    m_cancel.ThrowIfAbandoned();
-    try {
-        const engine::CCancelToken& cancel = m_cancel;
-        py::cpp_function abandoned([&cancel] { return cancel.Abandoned(); });
-        return m_source.attr(name)(std::forward<Args>(args)..., abandoned);
-    } catch (py::error_already_set&) {
-        // A stop by Ctrl-C is the token's; anything else is the caller's to hear of, once the run has unwound.
-        if (!m_cancel.Abandoned()) m_failure = std::current_exception();
-        throw engine::CCancelled();
-    }
+void CPythonPatterns::OnCaller(const std::function<void()>& call) {
+    if (!m_thread.CallOnCaller(call)) throw engine::CCancelled();
 }
 
 double CPythonPatterns::SumDerivatives(const engine::CNetwork& net, bool improved, engine::UINT nParams,
                                        double* hessian, double* gradient, double*, const engine::CCancelToken&) {
-    py::gil_scoped_acquire gil;
-    const py::tuple sums = Call("sum_derivatives", NetworkDict(net), improved, nParams, hessian != nullptr);
-    const Array g = sums[1].cast<Array>();
-    if (g.size() != nParams) throw engine::CCancelled();
-    std::copy_n(g.data(), nParams, gradient);
-    if (hessian) {
-        const Array h = sums[2].cast<Array>();
-        std::copy_n(h.data(), size_t(nParams) * nParams, hessian);
-    }
-    return sums[0].cast<double>();
+    double sse = 0.0;
+    OnCaller([&] {
+        const py::tuple sums = m_source.attr("sum_derivatives")(NetworkDict(net), improved, nParams, hessian != nullptr);
+        const Array g = sums[1].cast<Array>();
+        if (g.size() != nParams) throw py::value_error("the cluster's gradient has another length than the network's");
+        std::copy_n(g.data(), nParams, gradient);
+        if (hessian) std::copy_n(sums[2].cast<Array>().data(), size_t(nParams) * nParams, hessian);
+        sse = sums[0].cast<double>();
+    });
+    return sse;
 }
 
 double CPythonPatterns::SumSquaredErrors(const engine::CNetwork& net, bool keep, const engine::CCancelToken&) {
-    py::gil_scoped_acquire gil;
-    return Call("squared_errors", NetworkDict(net), keep).cast<double>();
+    double sse = 0.0;
+    OnCaller([&] { sse = m_source.attr("squared_errors")(NetworkDict(net), keep).cast<double>(); });
+    return sse;
 }
 
 void CPythonPatterns::ClearOutputs() {
-    py::gil_scoped_acquire gil;
-    Call("clear_outputs");
+    OnCaller([&] { m_source.attr("clear_outputs")(); });
 }
 
 engine::UINT CPythonPatterns::WorstPattern() {
-    py::gil_scoped_acquire gil;
-    return Call("worst_pattern").cast<engine::UINT>();
+    engine::UINT worst = 0;
+    OnCaller([&] { worst = m_source.attr("worst_pattern")().cast<engine::UINT>(); });
+    return worst;
 }
 
 void CPythonPatterns::PatternInputs(const engine::UINT* indices, engine::UINT count, double* rows) {
-    py::gil_scoped_acquire gil;
-    py::array_t<engine::UINT> wanted(static_cast<py::ssize_t>(count));
-    std::copy_n(indices, count, wanted.mutable_data());
-    const Array got = Call("pattern_inputs", wanted).cast<Array>();
-    std::copy_n(got.data(), size_t(count) * m_inputs, rows);
+    OnCaller([&] {
+        py::array_t<engine::UINT> wanted(static_cast<py::ssize_t>(count));
+        std::copy_n(indices, count, wanted.mutable_data());
+        const Array got = m_source.attr("pattern_inputs")(wanted).cast<Array>();
+        std::copy_n(got.data(), size_t(count) * m_inputs, rows);
+    });
 }
 
 void CPythonPatterns::InputRange(double* lo, double* hi) {
-    py::gil_scoped_acquire gil;
-    const py::tuple range = Call("input_range");
-    std::copy_n(range[0].cast<Array>().data(), m_inputs, lo);
-    std::copy_n(range[1].cast<Array>().data(), m_inputs, hi);
+    OnCaller([&] {
+        const py::tuple range = m_source.attr("input_range")();
+        std::copy_n(range[0].cast<Array>().data(), m_inputs, lo);
+        std::copy_n(range[1].cast<Array>().data(), m_inputs, hi);
+    });
 }
 
 void BindClusterKernels(py::module_& m) {

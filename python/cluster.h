@@ -6,37 +6,26 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
-#include <exception>
+#include <functional>
 
 #include "engine/patternsource.h"
+#include "fit_thread.h"
 
 namespace vantrel_python {
 
 namespace py = pybind11;
 using Array = py::array_t<double, py::array::c_style | py::array::forcecast>;
 
-// A network of one output as a dict of arrays: input_weights (units x inputs), output_weights (units + 1,
-// bias first), widths (units), centers (units x inputs).
+// A network as a dict of arrays (network_arrays.h), copied from the engine's.
 py::dict NetworkDict(const engine::CNetwork& net);
 
-// The arrays of such a dict, kept alive with it, and the network they make. Throws ValueError when their
-// sizes don't make one network of `inputs` inputs.
-class CNetworkArrays {
-public:
-    CNetworkArrays(const py::dict& network, engine::UINT inputs);
-    const engine::CNetwork& Network() const { return m_net; }
-
-private:
-    Array m_inputWeights, m_outputWeights, m_widths, m_centers;
-    engine::CNetwork m_net;
-};
-
 // The patterns of a Python object with the methods of vantrel._cluster.DaskPatterns. Called on the run's
-// thread, each call takes the GIL for its while. What the object raises ends the run as abandoned, and is kept
-// for the caller to raise once the run has unwound.
+// thread, each call is handed to the fit's calling thread, which runs it under the GIL (the run's thread never
+// touches the interpreter). What the object raises reaches the fit's caller, and the run is abandoned.
 class CPythonPatterns : public engine::CPatternSource {
 public:
-    CPythonPatterns(py::object source, const engine::CCancelToken& cancel);
+    // source: kept alive by the caller, as is the fit's thread.
+    CPythonPatterns(const py::object& source, CFitThread& thread);
 
     engine::UINT Patterns() override { return m_patterns; }
     engine::UINT Inputs() override { return m_inputs; }
@@ -48,17 +37,13 @@ public:
     void PatternInputs(const engine::UINT* indices, engine::UINT count, double* rows) override;
     void InputRange(double* lo, double* hi) override;
 
-    // What the Python side raised, or null.
-    std::exception_ptr Failure() const { return m_failure; }
-
 private:
-    template <class... Args>
-    py::object Call(const char* name, Args&&... args);
+    // Runs call on the calling thread; throws CCancelled when the run was abandoned first.
+    void OnCaller(const std::function<void()>& call);
 
-    py::object m_source;
-    const engine::CCancelToken& m_cancel;
+    const py::object& m_source;
+    CFitThread& m_thread;
     engine::UINT m_patterns = 0, m_inputs = 0;
-    std::exception_ptr m_failure;
 };
 
 // The workers' kernels and the readers of blocks of a pattern file, as functions of the module.

@@ -23,8 +23,10 @@ if "OPENBLAS_CORETYPE" not in os.environ:
 from vantrel import _engine  # noqa: E402
 from vantrel._estimators import ALGORITHMS, RBFClassifier, RBFRegressor  # noqa: E402
 from vantrel._reading import read_patterns  # noqa: E402
+from vantrel.exceptions import NonFiniteError, SingularMatrixError  # noqa: E402
 
-__all__ = ["ALGORITHMS", "RBFClassifier", "RBFRegressor", "load_data", "read_patterns"]
+__all__ = ["ALGORITHMS", "NonFiniteError", "RBFClassifier", "RBFRegressor", "SingularMatrixError", "load_data",
+           "read_patterns"]
 __version__ = _engine.__version__
 
 

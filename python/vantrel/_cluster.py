@@ -15,15 +15,10 @@ from vantrel import _engine
 # Rows of a partition at most: a partition's inputs and its Jacobian rows stay small on a worker, and a pass
 # has a few tasks per worker thread to balance.
 _MOST_PARTITION_ROWS = 1 << 20
-_POLL_SECONDS = 0.05
 
 # Asked on each worker: the vantrel it would import (False where it finds none).
 _VERSION_PROBE = ("__import__('importlib.util').util.find_spec('vantrel') is not None "
                   "and __import__('vantrel').__version__")
-
-
-class Abandoned(Exception):
-    """The run was stopped (Ctrl-C): the tasks under way were cancelled."""
 
 
 def default_client():
@@ -117,22 +112,18 @@ class DaskPatterns:
         self._worst = None
         self._range = None
 
-    def _run(self, function, abandoned, arguments):
+    def _run(self, function, arguments):
         """function(*arguments(k)) as a task for each partition k; their results in partition order."""
         futures = [self._client.submit(function, *arguments(k), pure=False) for k in range(len(self._x_parts))]
-        return self._gather(futures, abandoned)
+        return self._gather(futures)
 
-    def _gather(self, futures, abandoned):
-        import distributed
-        while True:
-            if abandoned():
-                self._client.cancel(futures)
-                raise Abandoned()
-            try:
-                distributed.wait(futures, timeout=_POLL_SECONDS)
-                return self._client.gather(futures)
-            except TimeoutError:
-                continue
+    def _gather(self, futures):
+        """The futures' results; whatever ends the wait (Ctrl-C, a task's failure) cancels those still running."""
+        try:
+            return self._client.gather(futures)
+        except BaseException:
+            self._client.cancel(futures)
+            raise
 
     def _network(self, network):
         # Sent once to each worker for the pass, not with every task.
@@ -140,43 +131,43 @@ class DaskPatterns:
         [sent] = self._client.scatter([network], broadcast=True, hash=False)
         return sent
 
-    def sum_derivatives(self, network, improved, n_params, hessian, abandoned):
+    def sum_derivatives(self, network, improved, n_params, hessian):
         sent = self._network(network)
-        parts = self._run(_partition_sums, abandoned, lambda k: (
+        parts = self._run(_partition_sums, lambda k: (
             sent, self._x_parts[k], self._y_parts[k], improved, n_params, hessian))
         sse = _engine.add_by_tree([np.array([s]) for s, _, _ in parts])[0]
         gradient = _engine.add_by_tree([g for _, g, _ in parts])
         square = _engine.add_by_tree([h for _, _, h in parts]) if hessian else None
         return sse, gradient, square
 
-    def squared_errors(self, network, keep, abandoned):
+    def squared_errors(self, network, keep):
         sent = self._network(network)
-        parts = self._run(_partition_errors, abandoned, lambda k: (
+        parts = self._run(_partition_errors, lambda k: (
             sent, self._x_parts[k], self._y_parts[k], self._offsets[k], keep))
         if keep:
             self._worst = _worst_of([summary for _, summary in parts])
         return _engine.add_by_tree([np.array([s]) for s, _ in parts])[0]
 
-    def clear_outputs(self, abandoned):
+    def clear_outputs(self):
         # Outputs of 0.0: the worst pattern is that of the largest |target|, found when it is asked for.
         self._worst = None
 
-    def worst_pattern(self, abandoned):
+    def worst_pattern(self):
         if self._worst is None:
             none = {"input_weights": np.zeros((0, self.n_inputs)), "output_weights": np.zeros(1),
                     "widths": np.zeros(0), "centers": np.zeros((0, self.n_inputs))}
-            self.squared_errors(none, True, abandoned)
+            self.squared_errors(none, True)
         return self._worst
 
-    def pattern_inputs(self, indices, abandoned):
+    def pattern_inputs(self, indices):
         rows = self._client.compute(self._X[np.asarray(indices, dtype=np.int64)])
-        return np.ascontiguousarray(self._gather([rows], abandoned)[0], dtype=np.float64)
+        return np.ascontiguousarray(self._gather([rows])[0], dtype=np.float64)
 
-    def input_range(self, abandoned):
+    def input_range(self):
         if self._range is None:
             import dask.array as da
             low, high = self._client.compute([da.min(self._X, axis=0), da.max(self._X, axis=0)])
-            self._range = tuple(self._gather([low, high], abandoned))
+            self._range = tuple(self._gather([low, high]))
         return self._range
 
     def release(self):

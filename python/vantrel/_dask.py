@@ -36,14 +36,15 @@ def stack(old, new):
     return da.concatenate([da.asarray(old), da.asarray(new)])
 
 
-def train(X, y, network, options, callback):
-    """One run of the engine on dask patterns: each sum a pass of tasks on the default client's workers."""
+def train(X, y, network, settings, held_X, held_y, progress):
+    """One run of the engine on dask patterns: each sum a pass of tasks on the default client's workers. The
+    estimators hold no patterns out of a dask fit (held_X, held_y are None)."""
     from vantrel import __version__
     client = _cluster.default_client()
     _cluster.check_workers(client, __version__)
     patterns = _cluster.DaskPatterns(X, y, client)
     try:
-        return _engine.train_on_source(patterns, network, options, callback)
+        return _engine.train_on_source(patterns, network, settings, progress)
     finally:
         patterns.release()
 

@@ -155,11 +155,27 @@ TEST(DrawNetwork, NoPatternLeavesCentersAtZeroAndTakesNoNumberInEveryMode) {
 }
 
 TEST(CSeededRand, GivesTheCLibraryNumbersOfItsSeed) {
-    engine::CSeededRand seeded(77);
-    std::vector<int> fromSource;
-    for (int k = 0; k < 5; ++k) fromSource.push_back(seeded.Next());
-    std::srand(77);
-    for (int k = 0; k < 5; ++k) EXPECT_EQ(fromSource[k], std::rand()) << "number " << k;
+    // 0 seeds as 1 does; seeds from 2^31 on are read as negative words; the window seeds with the tick count.
+    for (unsigned seed : {0u, 1u, 2u, 77u, 123456789u, 0x7FFFFFFFu, 0x80000000u, 0xDEADBEEFu, 0xFFFFFFFFu}) {
+        engine::CSeededRand seeded(seed);
+        std::vector<int> fromSource;
+        for (int k = 0; k < 1000; ++k) fromSource.push_back(seeded.Next());
+        std::srand(seed);
+        for (int k = 0; k < 1000; ++k) ASSERT_EQ(fromSource[k], std::rand()) << "seed " << seed << ", number " << k;
+    }
+}
+
+TEST(CSeededRand, KeepsItsStateToItself) {
+    // Two sources drawn in turn, and the C library's generator reseeded between, each give their own sequence.
+    engine::CSeededRand first(5), second(5);
+    std::vector<int> alternating;
+    for (int k = 0; k < 50; ++k) {
+        alternating.push_back(first.Next());
+        std::srand(99);
+        EXPECT_EQ(second.Next(), alternating.back()) << "number " << k;
+    }
+    engine::CSeededRand alone(5);
+    for (int k = 0; k < 50; ++k) EXPECT_EQ(alone.Next(), alternating[k]) << "number " << k;
 }
 
 TEST(CSeededRand, DrawsOfTheBuffersFollowTheSeedGiven) {

@@ -1,4 +1,6 @@
-// The kept threads of the kernels: every part done once, nested sharing, a failing share, and a forked child.
+// The kept threads of the kernels: every part done once, nested sharing, a failing share, and a forked child;
+// the BLAS's thread count under holds that overlap.
+#include <cblas.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -6,6 +8,7 @@
 #include <atomic>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -58,6 +61,22 @@ TEST(KeptThreads, AFailureOnTheCallersShareReachesTheCallerAfterTheHelpersEnd) {
 }
 
 // ThreadSanitizer ends a child of a threaded process that starts threads, which is what this test asks of it.
+TEST(SingleBlasThread, OverlappingHoldsGiveTheHostsCountBackWhateverTheirOrder) {
+    // Runs on two threads hold one BLAS thread at once and let go in either order.
+    const int host = openblas_get_num_threads();
+    openblas_set_num_threads(3);
+    for (bool firstEndsFirst : {true, false}) {
+        auto first = std::make_unique<engine::kernels::CSingleBlasThread>();
+        auto second = std::make_unique<engine::kernels::CSingleBlasThread>();
+        EXPECT_EQ(openblas_get_num_threads(), 1) << "while held";
+        (firstEndsFirst ? first : second).reset();
+        EXPECT_EQ(openblas_get_num_threads(), 1) << "while the other still holds";
+        (firstEndsFirst ? second : first).reset();
+        EXPECT_EQ(openblas_get_num_threads(), 3) << (firstEndsFirst ? "first" : "second") << " let go first";
+    }
+    openblas_set_num_threads(host);
+}
+
 #if defined(__has_feature)
 #if __has_feature(thread_sanitizer)
 #define VANTREL_NO_THREADS_AFTER_FORK

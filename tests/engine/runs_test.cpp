@@ -26,6 +26,7 @@ public:
     std::vector<double> blockErrors;
 
     bool CreateResultFile() override { return Called("CreateResultFile"), createResultFile; }
+    void TrialStarted(double) override { Called("TrialStarted"); }
     void IterationDone(UINT, double) override { Called("IterationDone"); }
     void UnitAdded(UINT count) override { Called("UnitAdded"), units.push_back(count); }
     void TimesDone(double, double) override { Called("TimesDone"); }
@@ -70,10 +71,12 @@ std::vector<std::string> Repeat(std::vector<std::string> head, int times, const 
 }  // namespace
 
 TEST(Runs, SinkHearsEachTrialOrUnitInOrder) {
-    const std::vector<std::string> trial{"IterationDone", "IterationDone", "IterationDone", "TimesDone",
-                                         "IterationCurve", "NetworkDone", "TotalError", "SummaryCurve", "ResultBlock"};
-    const std::vector<std::string> unit{"UnitAdded", "IterationDone", "IterationDone", "IterationDone", "TimesDone",
-                                        "IterationCurve", "TotalError", "NetworkDone", "SummaryCurve", "ResultBlock"};
+    const std::vector<std::string> trial{"TrialStarted",   "IterationDone", "IterationDone", "IterationDone",
+                                         "TimesDone",      "IterationCurve", "NetworkDone", "TotalError",
+                                         "SummaryCurve",   "ResultBlock"};
+    const std::vector<std::string> unit{"UnitAdded",     "TrialStarted",   "IterationDone", "IterationDone",
+                                        "IterationDone", "TimesDone",      "IterationCurve", "TotalError",
+                                        "NetworkDone",   "SummaryCurve",   "ResultBlock"};
     for (int algorithm = 0; algorithm < engine::kAlgorithmCount; ++algorithm) {
         const bool growth = algorithm == engine::kErrorCorrection;
         engine::CFixedSettings s = Settings(engine::Algorithm(algorithm), 3);
@@ -101,15 +104,17 @@ TEST(Runs, StopAbandonMissingResultFileAndNoPatternsEndTheRunBeforeAnyTrial) {
         const char* name;
         RunEnding ending;
         std::string message;
+        engine::RunFailure failure;
         UINT patterns;
         bool resultFileFails;
     };
     const Case cases[] = {
-        {"stop", RunEnding::Stopped, "", 10, false},
-        {"abandon", RunEnding::Abandoned, "", 10, false},
-        {"no result file", RunEnding::Failed, "Create Result File Failed!", 10, true},
+        {"stop", RunEnding::Stopped, "", engine::RunFailure::None, 10, false},
+        {"abandon", RunEnding::Abandoned, "", engine::RunFailure::None, 10, false},
+        {"no result file", RunEnding::Failed, "Create Result File Failed!", engine::RunFailure::ResultFile, 10, true},
         {"no patterns", RunEnding::Failed,
-         "The data set has no patterns or no inputs: load another data set before training.", 0, false},
+         "The data set has no patterns or no inputs: load another data set before training.",
+         engine::RunFailure::NoData, 0, false},
     };
     for (const Case& c : cases)
         for (engine::Algorithm algorithm : {engine::kSecondOrder, engine::kFirstOrder, engine::kErrorCorrection}) {
@@ -124,10 +129,13 @@ TEST(Runs, StopAbandonMissingResultFileAndNoPatternsEndTheRunBeforeAnyTrial) {
             const engine::CRunOutcome outcome = Train(sample.buffers, s, sink, token);
             EXPECT_EQ(outcome.ending, c.ending) << c.name << ", algorithm " << algorithm;
             EXPECT_EQ(outcome.message, c.message) << c.name << ", algorithm " << algorithm;
-            // A stopped growth has placed its unit before the first iteration's test; nothing else is reported.
-            const bool unitAllowed = c.ending == RunEnding::Stopped;
+            EXPECT_EQ(outcome.failure, c.failure) << c.name << ", algorithm " << algorithm;
+            // A stopped run has begun its trial (a growth placed its unit) before the first iteration's test;
+            // nothing else is reported.
+            const bool startAllowed = c.ending == RunEnding::Stopped;
             for (const std::string& call : sink.calls)
-                EXPECT_TRUE(call == "CreateResultFile" || (unitAllowed && call == "UnitAdded"))
+                EXPECT_TRUE(call == "CreateResultFile" ||
+                            (startAllowed && (call == "UnitAdded" || call == "TrialStarted")))
                     << c.name << ", algorithm " << algorithm << ": reported " << call;
         }
 }

@@ -1,5 +1,6 @@
 // The two iteration steps on crafted arrays: the first-order update, and the damped try loop driven by a
-// scripted trainee, so that each try's error and damping value are known.
+// scripted trainee, so that each try's error and damping value are known, by the window's rules and with
+// non-finite tries failing.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,6 +8,7 @@
 #include <limits>
 #include <vector>
 
+#include "engine/matrix.h"
 #include "engine/runs.h"
 
 namespace {
@@ -62,6 +64,7 @@ public:
     double AccumulateGradientAndError(bool) override { return 0.0; }
     void SolveHessian(double* x) override {
         dampings.push_back(hessian[0] - kH0);
+        if (singularSolves > 0 && singularSolves--) throw engine::CSingularMatrixException();
         x[0] = gradient[0] / hessian[0];
         x[1] = gradient[1] / hessian[3];
         hessian.assign(4, std::numeric_limits<double>::quiet_NaN());
@@ -73,6 +76,7 @@ public:
     std::deque<double> errors;
     std::vector<double> params, delta, gradient, hessian, triedParams, dampings;
     int accumulations = 0, outputMeasures = 0;
+    int singularSolves = 0;  // the first ones find the damped matrix singular
 
 private:
     double NextError(bool outputs) {
@@ -84,10 +88,11 @@ private:
 };
 
 CDampedStep Iterate(CScriptedTrainee& t, std::deque<double> errors, double previousError, double damping,
-                    const engine::CCancelToken& cancel = engine::CCancelToken::Never()) {
+                    const engine::CCancelToken& cancel = engine::CCancelToken::Never(),
+                    const engine::CDampedForm& form = engine::CDampedForm{}) {
     std::vector<double> saved(4);
     t.errors = std::move(errors);
-    return engine::DampedIteration(t, engine::CDampedForm{}, saved.data(), previousError, damping, cancel);
+    return engine::DampedIteration(t, form, saved.data(), previousError, damping, cancel);
 }
 
 }  // namespace
@@ -154,4 +159,38 @@ TEST(DampedIteration, AbandonedTokenThrowsBeforeAnyTry) {
     CScriptedTrainee t;
     EXPECT_THROW(Iterate(t, {0.1}, 0.5, 0.01, token), engine::CCancelled);
     EXPECT_TRUE(t.triedParams.empty());
+}
+
+TEST(DampedIteration, NonFiniteTriesFailWhenTheFormSaysSo) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const engine::CDampedForm failing{false, false, true};
+    struct Case {
+        const char* name;
+        std::deque<double> errors;
+        int singularSolves, tries;
+        double error, damping;
+    };
+    const Case cases[] = {
+        {"a NaN error fails and the damping rises", {nan, 0.3}, 0, 2, 0.3, 0.01},
+        {"a singular damped matrix fails the try", {0.3}, 2, 3, 0.3, 0.1},
+        // The last scripted error is the measure taken once the network is back where the iteration began.
+        {"no finite try: back to the start", {nan, INFINITY, nan, nan, nan, nan, 0.5}, 0, 6, 0.5, 10000.0},
+        {"only singular tries: back to the start", {0.5}, 6, 6, 0.5, 10000.0},
+        {"six finite failures: back to the start", {0.6, 0.7, 0.8, 0.9, 1.0, 1.1, 0.5}, 0, 6, 0.5, 10000.0},
+    };
+    for (const Case& c : cases) {
+        CScriptedTrainee t;
+        t.singularSolves = c.singularSolves;
+        const CDampedStep r = Iterate(t, c.errors, 0.5, 0.01, engine::CCancelToken::Never(), failing);
+        EXPECT_EQ(r.tries, c.tries) << c.name;
+        EXPECT_EQ(r.error, c.error) << c.name;
+        EXPECT_NEAR(r.damping, c.damping, c.damping * 1e-12) << c.name;
+        EXPECT_TRUE(t.errors.empty()) << c.name << ": every scripted error measured";
+        if (c.errors.size() == size_t(c.tries - c.singularSolves)) continue;  // a try lowered the error
+        EXPECT_EQ(t.params, (std::vector<double>{1.0, 2.0})) << c.name << ": the network must be back at the start";
+    }
+    CScriptedTrainee windowRules;
+    windowRules.singularSolves = 1;
+    EXPECT_THROW(Iterate(windowRules, {0.1}, 0.5, 0.01), engine::CSingularMatrixException)
+        << "by the window's rules a singular matrix ends the run";
 }

@@ -45,8 +45,8 @@ def assert_same_fit(local, remote, what):
 SETTINGS = {
     "second_order": dict(units=6, iterations=8),
     "improved_second_order": dict(units=5, iterations=6, centers="input_range"),
-    "first_order": dict(units=4, iterations=30, learning_constant=0.05, widths=(0.5, 1.0)),
-    "improved_first_order": dict(units=4, iterations=30, learning_constant=0.05, trials=2),
+    "first_order": dict(units=4, iterations=30, learning_constant=1e-4, widths=(0.5, 1.0)),
+    "improved_first_order": dict(units=4, iterations=30, learning_constant=1e-4, trials=2),
     "error_correction": dict(max_units=3, iterations=5),
 }
 
