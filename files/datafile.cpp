@@ -87,8 +87,12 @@ DataSetStatus ReadDataSet(const char* path, CPatternRows& rows) {
         return DataSetStatus::CountsTooLarge;
     }
     if (!fits) return DataSetStatus::RowsTooLarge;
-    if (rows.values != rows.inputs.size() + rows.targets.size()) return DataSetStatus::Incomplete;
-    if (rows.shape.patterns == 0) return DataSetStatus::NoPatterns;
-    if (rows.nInputs == 0) return DataSetStatus::NoInputs;
+    return CountsStatus(rows.shape.patterns, rows.nInputs, rows.values);
+}
+
+DataSetStatus CountsStatus(std::size_t patterns, std::size_t nInputs, std::size_t values) {
+    if (values != patterns * nInputs + patterns) return DataSetStatus::Incomplete;
+    if (patterns == 0) return DataSetStatus::NoPatterns;
+    if (nInputs == 0) return DataSetStatus::NoInputs;
     return DataSetStatus::Ok;
 }

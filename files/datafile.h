@@ -63,6 +63,10 @@ enum class DataSetStatus {
 // What a refused data set file is told with: the window's message box and the Python module's error.
 const char* DataSetMessage(DataSetStatus status);
 
+// The last three rules, on a data set's counts: its patterns, its inputs and the values its rows hold (a file
+// read in blocks gives them block by block, patternblocks.h).
+DataSetStatus CountsStatus(std::size_t patterns, std::size_t nInputs, std::size_t values);
+
 // The one reading of a data set: the file at path read whole (ReadScanText), its patterns into rows
 // (ReadPatterns), and the rules above checked. Before RowsTooLarge, rows holds nothing; from RowsTooLarge on
 // it holds the shape, and from Incomplete on every value it read.

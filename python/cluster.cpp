@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "engine/kernels.h"
+#include "files/datafile.h"
 #include "files/patternblocks.h"
 #include "network_arrays.h"
 
@@ -165,6 +166,13 @@ void CPythonPatterns::InputRange(double* lo, double* hi) {
     });
 }
 
+// ValueError with the window's message when a data set of these counts is refused (the rules after its
+// reading), else nothing.
+void CheckDataSetCounts(std::size_t patterns, std::size_t nInputs, std::size_t values) {
+    const DataSetStatus status = CountsStatus(patterns, nInputs, values);
+    if (status != DataSetStatus::Ok) throw py::value_error(DataSetMessage(status));
+}
+
 void BindClusterKernels(py::module_& m) {
     m.attr("CHUNK_PATTERNS") = engine::kernels::kChunkPatterns;
     m.def("partition_sums", &PartitionSums, py::arg("network"), py::arg("X"), py::arg("y"), py::arg("improved"),
@@ -173,6 +181,8 @@ void BindClusterKernels(py::module_& m) {
     m.def("add_by_tree", &AddByTree, py::arg("sums"));
     m.def("measure_block", &MeasureBlockOf, py::arg("data"));
     m.def("read_block", &ReadBlock, py::arg("data"), py::arg("n_inputs"));
+    m.def("check_data_set_counts", &CheckDataSetCounts, py::arg("patterns"), py::arg("n_inputs"), py::arg("values"));
+    m.attr("CANNOT_OPEN_FILE") = DataSetMessage(DataSetStatus::CannotOpen);
 }
 
 }  // namespace vantrel_python

@@ -5,12 +5,6 @@ import numpy as np
 
 from vantrel import _engine
 
-# The window's messages for a file that it refuses.
-_CANNOT_OPEN = "Sorry, Cannot Open File!"
-_INCOMPLETE = "Data file is incompleted!"
-_NO_PATTERNS = "Data file holds no patterns!"
-_NO_INPUTS = "Number of Inputs Should Be Larger Than Zero"
-
 
 def read_patterns(path, blocksize="64MiB"):
     """Read a data set file in blocks of about ``blocksize`` bytes of whole lines, into dask arrays.
@@ -28,7 +22,7 @@ def read_patterns(path, blocksize="64MiB"):
         with open(path, "rb"):
             pass
     except OSError as exc:
-        raise ValueError(_CANNOT_OPEN) from exc
+        raise ValueError(_engine.CANNOT_OPEN_FILE) from exc
     _, [blocks] = read_bytes(path, delimiter=b"\n", blocksize=blocksize, sample=False)
     measures = dask.compute(*[dask.delayed(_measure_block)(block) for block in blocks])
     blocks, measures = _blocks_of_the_text(blocks, measures)
@@ -38,12 +32,7 @@ def read_patterns(path, blocksize="64MiB"):
     patterns = sum(int(r.sum()) for r in rows)
     first = next((m[1] for m in measures if m[1] >= 0), 0)
     n_inputs = max(int(first) - 1, 0)
-    if sum(int((r * t).sum()) for r, t in zip(rows, tokens)) != patterns * (n_inputs + 1):
-        raise ValueError(_INCOMPLETE)
-    if patterns == 0:
-        raise ValueError(_NO_PATTERNS)
-    if n_inputs == 0:
-        raise ValueError(_NO_INPUTS)
+    _engine.check_data_set_counts(patterns, n_inputs, sum(int((r * t).sum()) for r, t in zip(rows, tokens)))
     inputs = [int((r * np.minimum(t, n_inputs)).sum()) for r, t in zip(rows, tokens)]
     targets = [int((r * np.maximum(t - n_inputs, 0)).sum()) for r, t in zip(rows, tokens)]
     return _arrays(blocks, inputs, targets, patterns, n_inputs)
