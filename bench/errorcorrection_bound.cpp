@@ -24,10 +24,10 @@ using engine::UINT;
 class CCountingBuffers : public engine::CNetworkBuffers {
 public:
     std::vector<double> tries;  // element u - 1: the tries of the network of u units
-    void SolveHessian(double* x) override {
+    void SolveHessian(const double* diagonal, double damping, double* x) override {
         if (tries.size() < Units()) tries.resize(Units(), 0.0);
         if (Units() > 0) tries[Units() - 1] += 1.0;
-        engine::CNetworkBuffers::SolveHessian(x);
+        engine::CNetworkBuffers::SolveHessian(diagonal, damping, x);
     }
 };
 

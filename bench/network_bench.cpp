@@ -89,13 +89,12 @@ void Iteration(benchmark::State& state, int cores) {
     Sample(net, state);
     const size_t n = net.Step().nParams;
     const std::vector<double> start(net.Step().pParams, net.Step().pParams + n);
-    std::vector<double> saved(n * n);
     CBenchCores use(cores);
     for (auto _ : state) {
         std::copy(start.begin(), start.end(), net.Step().pParams);  // every round times the same work
         net.UnpackParameters();
         const engine::CDampedStep step = engine::DampedIteration(
-            net, engine::CDampedForm{}, saved.data(), std::numeric_limits<double>::infinity(), kTryDamping,
+            net, engine::CDampedForm{}, std::numeric_limits<double>::infinity(), kTryDamping,
             engine::CCancelToken::Never());
         benchmark::DoNotOptimize(step.error);
     }

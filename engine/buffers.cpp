@@ -127,11 +127,9 @@ double CNetworkBuffers::AccumulateGradientAndError(bool improved) {
     return Accumulated(improved, false) / static_cast<double>(m_nPatterns);
 }
 
-void CNetworkBuffers::SolveHessian(double* x) {
-    const int n = static_cast<int>(m_nParams);
-    m_indx.resize(m_nParams);
-    kernels::FactorLU(m_hessian.data(), n, m_indx.data(), m_cancel);
-    kernels::SolveWithFactors(m_hessian.data(), n, m_indx.data(), m_gradient.data(), x);
+void CNetworkBuffers::SolveHessian(const double* diagonal, double damping, double* x) {
+    kernels::SolveDamped(m_hessian.data(), static_cast<int>(m_nParams), diagonal, damping, m_gradient.data(), x,
+                         m_spare.data(), m_cancel);
 }
 
 void CNetworkBuffers::ResetNetwork() {

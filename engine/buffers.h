@@ -47,7 +47,7 @@ public:
     double ComputeOutputs() override;
     void Accumulate(bool improved, bool secondOrder) override;
     double AccumulateGradientAndError(bool improved) override;
-    void SolveHessian(double* x) override;
+    void SolveHessian(const double* diagonal, double damping, double* x) override;
     void ResetNetwork() override;
     void AddUnitAtWorstPattern() override;
 
@@ -65,7 +65,6 @@ private:
     std::vector<double> m_inputWeights, m_outputWeights, m_widths, m_centers;
     std::vector<double> m_initInputWeights, m_initOutputWeights, m_initWidths, m_initCenters;
     std::vector<double> m_params, m_delta, m_gradient, m_hessian, m_spare;
-    std::vector<int> m_indx;
 };
 
 }  // namespace engine

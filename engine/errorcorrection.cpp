@@ -10,7 +10,7 @@ constexpr CDampedForm kGrowthForm{false, true};
 
 // Adds a unit and trains the grown network for all iterations; there is no test against the desired error
 // within a unit. false: a stop was asked for.
-bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
+bool TrainNewUnit(CRunState& run) {
     CTrainee& trainee = run.trainee;
     run.cancel.ThrowIfAbandoned();  // an abandoned run reports no further unit
     run.iteration = 0;
@@ -19,7 +19,7 @@ bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
     run.sink.UnitAdded(trainee.Units());
     double damping = kInitialDamping;
     trainee.PackParameters();
-    savedHessian = AllocateSavedHessian(trainee.Step().nParams);  // the vector's length changes only with a unit
+    CheckQuasiHessianFits(trainee.Step().nParams);  // the vector's length changes only with a unit
     run.iterationErrors.push_back(trainee.ComputeOutputs());
     const CRunClock clock;
 
@@ -27,7 +27,7 @@ bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
         if (run.cancel.StopRequested()) return false;
         run.iteration = iteration;
         const CDampedStep step =
-            DampedIteration(trainee, kGrowthForm, savedHessian.get(), run.iterationErrors.back(), damping, run.cancel);
+            DampedIteration(trainee, kGrowthForm, run.iterationErrors.back(), damping, run.cancel);
         damping = step.damping;
         run.iterationErrors.push_back(step.error);
         run.sink.IterationDone(iteration, step.error);
@@ -40,14 +40,13 @@ bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
 }
 
 // Curves, final error, regions and result block of a finished unit; returns the unit's final error.
-double FinishUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
+double FinishUnit(CRunState& run) {
     CTrainee& trainee = run.trainee;
     run.sink.IterationCurve(run.iterationErrors);
     const double error = trainee.ComputeOutputs();
     run.sink.TotalError(error);
     run.sink.NetworkDone();
 
-    savedHessian.reset();
     run.finalErrors.push_back(error);
     run.sink.SummaryCurve(run.finalErrors, trainee.Units() / 10 + 1);
     const UINT iterations = static_cast<UINT>(run.iterationErrors.size() - 1);  // all of the iterations
@@ -60,7 +59,6 @@ double FinishUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
 CRunOutcome RunErrorCorrection(CTrainee& trainee, const CRunSettings& settings, CProgressSink& sink,
                                const CCancelToken& cancel, bool online) {
     CRunState run(trainee, settings, sink, cancel);
-    std::unique_ptr<double[]> savedHessian;
     try {
         const CRunOutcome begun = BeginRun(run);
         if (begun.ending != RunEnding::Normal) return begun;
@@ -68,8 +66,8 @@ CRunOutcome RunErrorCorrection(CTrainee& trainee, const CRunSettings& settings, 
         if (!online) trainee.ResetNetwork();
         else trainee.ComputeOutputs();
         for (UINT k = 0; k < settings.MaxUnits(); ++k) {
-            if (!TrainNewUnit(run, savedHessian)) return Ended(RunEnding::Stopped);
-            const double error = FinishUnit(run, savedHessian);
+            if (!TrainNewUnit(run)) return Ended(RunEnding::Stopped);
+            const double error = FinishUnit(run);
             if (!(error >= settings.DesiredError())) break;  // below the goal, or NaN
         }
     } catch (...) {

@@ -32,7 +32,9 @@ public:
     double ComputeOutputs() override { return m_dlg.ComputeOutputs(); }
     void Accumulate(bool improved, bool secondOrder) override;
     double AccumulateGradientAndError(bool improved) override;
-    void SolveHessian(double* x) override { m_dlg.SolveHessian(x); }
+    void SolveHessian(const double* diagonal, double damping, double* x) override {
+        m_dlg.SolveHessian(diagonal, damping, x);
+    }
     void ResetNetwork() override { m_dlg.ResetNetwork(); }
     void AddUnitAtWorstPattern() override { m_dlg.AddUnitAtWorstPattern(); }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <climits>
 #include <new>
-#include <vector>
 
 #include "engine/kernels.h"
 #include "platform/clock.h"
@@ -110,11 +109,9 @@ void CVantrelDlg::InitializeNetwork() {
 
 void CVantrelDlg::LUdcmp(double* a, int n, int* indx) { engine::kernels::FactorLU(a, n, indx, m_cancel); }
 
-void CVantrelDlg::SolveHessian(double* x) {
-    const int n = static_cast<int>(m_nParams);
-    std::vector<int> indx(n);
-    LUdcmp(m_pHessian, n, indx.data());
-    engine::kernels::SolveWithFactors(m_pHessian, n, indx.data(), m_pGradient, x);
+void CVantrelDlg::SolveHessian(const double* diagonal, double damping, double* x) {
+    engine::kernels::SolveDamped(m_pHessian, static_cast<int>(m_nParams), diagonal, damping, m_pGradient, x,
+                                 m_pHessianInv, m_cancel);
 }
 
 void CVantrelDlg::ResetNetwork() {
