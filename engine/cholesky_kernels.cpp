@@ -6,6 +6,7 @@
 // upper one (and each diagonal element from the kept diagonal plus the damping value) by the piece of work
 // that first uses it, so a try restores nothing before it starts.
 #include <cblas.h>
+#include <lapack.h>
 
 #include <algorithm>
 #include <cmath>
@@ -20,8 +21,8 @@ namespace kernels {
 
 namespace {
 
-// Diagonal blocks this small are factored by plain loops; larger ones split in two.
-constexpr int kBaseBlock = 32;
+// Diagonal blocks this small are factored by LAPACK's Cholesky on one thread; larger ones split in two.
+constexpr int kBaseBlock = 128;
 // Triangular solves with a triangle this small go to the BLAS as they are; larger ones split into products.
 constexpr int kBaseSolve = 32;
 // Strips of rows shared among the threads are at least this tall: each packs the triangle or the panel anew.
@@ -57,30 +58,18 @@ void Load(const CCholesky& c, int i0, int i1, int j0, int j1) {
         }
 }
 
-// The dot product of count elements in four running sums, added in a fixed order.
-double Dot(const double* x, const double* y, int count) {
-    double s[4] = {0.0, 0.0, 0.0, 0.0};
-    const int whole = count / 4 * 4;
-    for (int k = 0; k < whole; k += 4)
-        for (int l = 0; l < 4; ++l) s[l] += x[k + l] * y[k + l];
-    for (int k = whole; k < count; ++k) s[0] += x[k] * y[k];
-    return (s[0] + s[1]) + (s[2] + s[3]);
-}
-
-// The diagonal block k0 .. k0 + w - 1, row by row: each element of L from the dot product of the rows of L
-// before it. false when a diagonal element is not a positive finite number: the matrix is not positive
-// definite, or holds NaNs or infinities, whose ends the LU decides.
+// The diagonal block k0 .. k0 + w - 1 by LAPACK's Cholesky on one BLAS thread: its column-major upper
+// triangle is the row-major lower one. false when a diagonal element of L is not a positive finite number:
+// the matrix is not positive definite, or holds NaNs or infinities (each element of a row of L enters that
+// row's diagonal element), whose ends the LU decides.
 bool FactorSmall(const CCholesky& c, int k0, int w) {
-    for (int i = k0; i < k0 + w; ++i) {
-        double* li = c.At(i, k0);
-        for (int j = k0; j < i; ++j) {
-            const double* lj = c.At(j, k0);
-            li[j - k0] = (li[j - k0] - Dot(li, lj, j - k0)) / lj[j - k0];
-        }
-        const double d = li[i - k0] - Dot(li, li, i - k0);
-        if (!(d > 0.0 && d < std::numeric_limits<double>::infinity())) return false;
-        li[i - k0] = std::sqrt(d);
-    }
+    const char upper = 'U';
+    const lapack_int order = w, ld = c.n;
+    lapack_int info = 0;
+    LAPACK_dpotrf(&upper, &order, c.At(k0, k0), &ld, &info);
+    if (info != 0) return false;
+    for (int i = k0; i < k0 + w; ++i)
+        if (!(*c.At(i, i) > 0.0 && *c.At(i, i) < std::numeric_limits<double>::infinity())) return false;
     return true;
 }
 

@@ -92,7 +92,7 @@ CBothWays SolveBothWays(const CKept& k, double damping, const std::vector<double
 
 TEST(SolveDamped, CholeskyAgreesWithThePlainDecompositionAcrossBlockSizesAndKeepsTheTriangle) {
     // Up to 1030, whose updates split into strips of rows.
-    for (int n : {1, 2, 5, 31, 32, 33, 64, 65, 130, 300, 1030}) {
+    for (int n : {1, 2, 5, 65, 128, 129, 300, 1030}) {
         const CKept k(n, 300 + n);
         std::vector<double> b(n);
         for (int i = 0; i < n; ++i) b[i] = i < n / 2 ? 0.0 : 1.0 - 0.25 * i;
