@@ -166,6 +166,11 @@ double BlockErrors(const CNetworkView& net, UINT first, UINT count, CBlockScratc
 // the Error Correction Algorithm ran on one core.
 constexpr double kParallelWork = 1.0e7;
 
+// The forward pass alone splits from this much work on (some hundredths of a millisecond): each try of the
+// Error Correction Algorithm's networks of some tens of units makes one, and ForwardWork counts an exp as
+// a few operations where it takes the time of some tens.
+constexpr double kParallelForwardWork = 2.0e6;
+
 // At most this many parts, and no more spare quasi-Hessians than fit in this many doubles (32 MiB).
 constexpr UINT kMaxParts = 8;
 constexpr double kSpareDoubles = 4.0 * 1024 * 1024;
@@ -179,10 +184,11 @@ struct CParts {
     UINT FirstBlock(UINT part) const { return static_cast<UINT>(uint64_t(blocks) * part / count); }
 };
 
-// work: floating-point operations of the whole pass; squareDoubles: the spare storage one more part takes.
-CParts PartsOf(UINT patterns, UINT block, double work, double squareDoubles) {
+// work: floating-point operations of the whole pass; squareDoubles: the spare storage one more part takes;
+// parallelWork: the work from which the blocks fall into parts.
+CParts PartsOf(UINT patterns, UINT block, double work, double squareDoubles, double parallelWork = kParallelWork) {
     const UINT blocks = (patterns + block - 1) / block;
-    double most = work >= kParallelWork ? std::min(blocks, kMaxParts) : 1;
+    double most = work >= parallelWork ? std::min(blocks, kMaxParts) : 1;
     if (squareDoubles > 0) most = std::min(most, 1.0 + std::floor(kSpareDoubles / squareDoubles));
     // A power of two, so that two or four threads share the parts evenly.
     UINT count = 1;
@@ -382,7 +388,7 @@ double AccumulateDerivatives(const CNetworkView& net, UINT nParams, double* hess
 double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelToken& cancel) {
     // The blocks of the accumulation, so that both sum the squares in the same order.
     const UINT block = BlockPatterns(net.layout, net.nPatterns);
-    const CParts parts = PartsOf(net.nPatterns, block, ForwardWork(net), 0.0);
+    const CParts parts = PartsOf(net.nPatterns, block, ForwardWork(net), 0.0, kParallelForwardWork);
     const UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
     CPartScratch& scratch = ScratchOfParts();
     for (UINT w = 0; w < workers; ++w) scratch.workers[w].Reserve(net.layout.nInputs, 0, block);
