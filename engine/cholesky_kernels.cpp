@@ -118,7 +118,9 @@ void InRowStrips(int rows, RowWork rowWork, bool growing, Strip strip) {
 // loaded false nothing of the block has been loaded yet, and each piece loads its rows as it starts.
 bool FactorBlock(const CCholesky& c, int k0, int w, bool loaded) {
     c.cancel.ThrowIfAbandoned();
-    if (w <= kBaseBlock) {
+    // A block whose updates are too small to share among threads (each about w^3 / 8 operations) gains nothing
+    // from the splits either: LAPACK factors it whole. The Error Correction Algorithm's networks end here.
+    if (w <= kBaseBlock || double(w) * w * w / 8 < 2 * kStripThreadWork) {
         if (!loaded) Load(c, k0, k0 + w, k0, k0 + w);
         return FactorSmall(c, k0, w);
     }

@@ -91,8 +91,8 @@ CBothWays SolveBothWays(const CKept& k, double damping, const std::vector<double
 }  // namespace
 
 TEST(SolveDamped, CholeskyAgreesWithThePlainDecompositionAcrossBlockSizesAndKeepsTheTriangle) {
-    // Up to 1030, whose updates split into strips of rows.
-    for (int n : {1, 2, 5, 65, 128, 129, 300, 1030}) {
+    // Up to 1030: from 432 on the blocks split, and at 1030 the updates fall into strips of rows.
+    for (int n : {1, 2, 5, 65, 128, 129, 300, 600, 1030}) {
         const CKept k(n, 300 + n);
         std::vector<double> b(n);
         for (int i = 0; i < n; ++i) b[i] = i < n / 2 ? 0.0 : 1.0 - 0.25 * i;
@@ -138,7 +138,7 @@ TEST(SolveDamped, MatrixThatIsNotPositiveDefiniteEndsExactlyAsTheLUAloneEndsIt) 
     };
     const Case cases[] = {
         {"negative diagonal element", 40, [&](CKept& k) { set(k, 20, 20, -5.0); }, ""},
-        {"indefinite beyond the blocks", 300, [&](CKept& k) { set(k, 0, 299, 1e6); }, ""},
+        {"indefinite beyond the first blocks", 600, [&](CKept& k) { set(k, 0, 599, 1e6); }, ""},
         {"NaN off the diagonal", 70, [&](CKept& k) { set(k, 3, 50, kNaN); }, ""},
         {"infinite diagonal element", 5, [&](CKept& k) { set(k, 2, 2, INFINITY); }, ""},
         {"row of NaNs", 70, [&](CKept& k) { for (int j = 0; j < k.n; ++j) set(k, 33, j, kNaN); },
