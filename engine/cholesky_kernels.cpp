@@ -26,11 +26,12 @@ constexpr int kBaseBlock = 128;
 // Triangular solves with a triangle this small go to the BLAS as they are; larger ones split into products.
 constexpr int kBaseSolve = 32;
 // Strips of rows shared among the threads are at least this tall: each packs the triangle or the panel anew.
-constexpr size_t kMinStripRows = 128;
-// Below this much work (about a tenth of a millisecond) a strip stays on the calling thread. Lower than the
-// LU's: the second level of the recursion at 1201 parameters (some 3e7 operations in each update) would
-// otherwise run on one core while the others wait.
-constexpr double kStripThreadWork = 5.0e6;
+constexpr size_t kMinStripRows = 96;
+// Below this much work (some hundredths of a millisecond) a strip stays on the calling thread. Far lower than
+// the LU's: a try of the Error Correction Algorithm at 401 parameters is half a millisecond, whose updates
+// would otherwise run on one core while the others wait, and so would the second level of the recursion at
+// 1201 parameters.
+constexpr double kStripThreadWork = 2.0e6;
 // Pieces of at most this much work between two looks at the cancel token: about a hundredth of a second.
 constexpr double kPieceWork = 1e9;
 // Tiles of the transposed loads: rows written and columns read both stay within the cache.

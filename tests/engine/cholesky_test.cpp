@@ -91,7 +91,7 @@ CBothWays SolveBothWays(const CKept& k, double damping, const std::vector<double
 }  // namespace
 
 TEST(SolveDamped, CholeskyAgreesWithThePlainDecompositionAcrossBlockSizesAndKeepsTheTriangle) {
-    // Up to 1030: from 432 on the blocks split, and at 1030 the updates fall into strips of rows.
+    // Up to 1030: from 318 on the blocks split, and their updates fall into strips of rows.
     for (int n : {1, 2, 5, 65, 128, 129, 300, 600, 1030}) {
         const CKept k(n, 300 + n);
         std::vector<double> b(n);
