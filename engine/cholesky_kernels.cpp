@@ -128,12 +128,18 @@ bool FactorBlock(const CCholesky& c, int k0, int w, bool loaded) {
     const int h = std::max(kBaseBlock / 2, (w / 2 + 7) / 8 * 8);
     const int k1 = k0 + h, m = w - h;
     if (!FactorBlock(c, k0, h, loaded)) return false;
-    // L21 = A21 L11^-T, by strips of rows.
+    // L21 = A21 L11^-T, by strips of rows (and within a strip, pieces of rows of bounded work).
     InRowStrips(
         m, [&](int r0, int r1) { return double(r1 - r0) * h * h; }, false,
         [&](int r0, int r1) {
             if (!loaded) Load(c, k1 + r0, k1 + r1, k0, k1);
-            SolveRightTransposed(c.At(k0, k0), c.At(k1 + r0, k0), r1 - r0, h, c.n);
+            InStrips(
+                static_cast<size_t>(r1 - r0), double(h) * h, c.cancel,
+                [&](size_t i0, size_t count) {
+                    SolveRightTransposed(c.At(k0, k0), c.At(k1 + r0 + static_cast<int>(i0), k0),
+                                         static_cast<int>(count), h, c.n);
+                },
+                kPieceWork);
         });
     c.cancel.ThrowIfAbandoned();
     // A22 -= L21 L21^T on the lower triangle, by strips of rows: the part left of each strip's diagonal block
