@@ -88,7 +88,8 @@ inline __attribute__((always_inline)) void ForwardBlockBody(const CNetworkView& 
                 dist[r] += a * a;
             }
         }
-        for (size_t r = 0; r < m; ++r) arg[r] = -dist[r] / sh;
+        const double negInv = -1.0 / sh;
+        for (size_t r = 0; r < m; ++r) arg[r] = dist[r] * negInv;
         ExpArray(arg, phi, m);
         for (size_t r = 0; r < m; ++r) y[r] += w * phi[r];
         if (!rows) continue;
