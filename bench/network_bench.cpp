@@ -6,7 +6,7 @@
 //   Blas  the BLAS alone on prebuilt data, with its own default threads:
 //         Accumulate  cblas_dsyrk of a Jacobian of the same shape, built beforehand
 //         Iteration   that, plus for each try a copy of the kept triangle, LAPACKE dpotrf and dpotrs
-// An Iteration round is the first four iterations of a trial, with the damping rule's tries (counter `tries`,
+// An Iteration round is four iterations of a trial, with the damping rule's tries (counter `tries`,
 // per iteration); its time is per iteration, and `peak_share` is its rate (n^2 P for the accumulation, n^3 / 3
 // per try) over the rate of a 2000 x 2000 dgemm on the same cores. Factor times FactorLU alone on a damped
 // quasi-Hessian against LAPACKE dgetrf, Cholesky the damped Cholesky against dpotrf. After the usual table, a
@@ -87,9 +87,11 @@ void BM_Accumulate_Blas(benchmark::State& state) {
 
 // ---- second-order iterations ------------------------------------------------------------------------------------
 
-// A round is the first iterations of a trial from the sample's network, with the damping rule at work: the
-// tries that each iteration makes are those of a real run.
+// A round is four iterations of a trial from the sample's network, with the damping rule at work: the tries
+// that each iteration makes are those of a real run. The rounds start where the first ten iterations of the
+// trial have left the network and the damping value, which by then has settled into the rule's rhythm.
 constexpr int kTrialIterations = 4;
+constexpr int kSettleIterations = 10;
 
 // The engine's buffers with the tries of before: each factors the whole damped matrix by the LU (the fallback
 // of the damped solve), rebuilt from the kept triangle first.
@@ -106,28 +108,36 @@ private:
     std::vector<double> m_whole;
 };
 
-// The sample's network and its error, restored before every round.
-struct CTrialStart {
-    explicit CTrialStart(CNetworkBuffers& net)
-        : params(net.Step().pParams, net.Step().pParams + net.Step().nParams), error(net.ComputeError()) {}
-    std::vector<double> params;
-    double error;
-};
-
-// The round's iterations; returns the tries they made.
-int Trial(CNetworkBuffers& net, const CTrialStart& start) {
-    std::copy(start.params.begin(), start.params.end(), net.Step().pParams);
-    net.UnpackParameters();
-    double previous = start.error, damping = kTryDamping;
+// Iterations of a trial from the network as it stands, the error before them and the damping value;
+// returns the tries they made, and leaves the error and the damping value after them.
+int Iterate(CNetworkBuffers& net, int iterations, double& error, double& damping) {
     int tries = 0;
-    for (int k = 0; k < kTrialIterations; ++k) {
+    for (int k = 0; k < iterations; ++k) {
         const engine::CDampedStep step =
-            engine::DampedIteration(net, engine::CDampedForm{}, previous, damping, engine::CCancelToken::Never());
-        previous = step.error;
+            engine::DampedIteration(net, engine::CDampedForm{}, error, damping, engine::CCancelToken::Never());
+        error = step.error;
         damping = step.damping;
         tries += step.tries;
     }
     return tries;
+}
+
+// Where every round starts: the network, its error and the damping value after the settling iterations.
+struct CTrialStart {
+    explicit CTrialStart(CNetworkBuffers& net) : error(net.ComputeError()), damping(kTryDamping) {
+        Iterate(net, kSettleIterations, error, damping);
+        params.assign(net.Step().pParams, net.Step().pParams + net.Step().nParams);
+    }
+    std::vector<double> params;
+    double error, damping;
+};
+
+// One round; returns the tries it made.
+int Trial(CNetworkBuffers& net, const CTrialStart& start) {
+    std::copy(start.params.begin(), start.params.end(), net.Step().pParams);
+    net.UnpackParameters();
+    double error = start.error, damping = start.damping;
+    return Iterate(net, kTrialIterations, error, damping);
 }
 
 // GFLOP/s of a 2000 x 2000 dgemm on the BLAS's threads as they stand: the peak that the iterations are
