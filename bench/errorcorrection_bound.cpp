@@ -1,8 +1,8 @@
 // The BLAS-only bound of the Error Correction run of run_bench.cpp (BM_ErrorCorrectionRun_Blas): the same run
 // on the engine's buffers counts the tries of every unit, and the bound adds up, unit by unit, what the BLAS
 // alone takes for that unit's work: iterations x (dsyrk of a Jacobian of the unit's parameters by the
-// patterns) + tries x (copy of the damped matrix, dgetrf, dgetrs). The benchmark's time is that sum; the
-// counter `per_try_bound_s` is the looser bound iterations x tries x (all three).
+// patterns) + tries x (copy of the kept triangle with the damping on its diagonal, dpotrf, dpotrs). The
+// benchmark's time is that sum; the counter `per_try_bound_s` is the looser bound iterations x tries x (all).
 #include <benchmark/benchmark.h>
 #include <cblas.h>
 #include <lapacke.h>
@@ -24,10 +24,10 @@ using engine::UINT;
 class CCountingBuffers : public engine::CNetworkBuffers {
 public:
     std::vector<double> tries;  // element u - 1: the tries of the network of u units
-    void SolveHessian(double* x) override {
+    void SolveHessian(const double* diagonal, double damping, double* x) override {
         if (tries.size() < Units()) tries.resize(Units(), 0.0);
         if (Units() > 0) tries[Units() - 1] += 1.0;
-        engine::CNetworkBuffers::SolveHessian(x);
+        engine::CNetworkBuffers::SolveHessian(diagonal, damping, x);
     }
 };
 
@@ -49,7 +49,7 @@ double Fastest(Work work) {
     return best;
 }
 
-// Seconds of the BLAS alone for one accumulation (dsyrk) and for one try (copy, dgetrf, dgetrs) at n
+// Seconds of the BLAS alone for one accumulation (dsyrk) and for one try (copy, dpotrf, dpotrs) at n
 // parameters and the given patterns.
 struct CUnitCost {
     double accumulation, attempt;
@@ -61,21 +61,20 @@ CUnitCost CostOf(int n, int patterns) {
     std::vector<double> rows(static_cast<size_t>(n) * patterns), hessian(static_cast<size_t>(n) * n),
         factors(hessian.size()), step(n, 1.0);
     for (double& v : rows) v = value(random);
-    std::vector<lapack_int> ipiv(n);
     auto syrk = [&] {
         cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, n, patterns, 1.0, rows.data(), patterns, 0.0,
                     hessian.data(), n);
     };
     syrk();
-    for (int i = 0; i < n; ++i)
-        for (int j = 0; j < i; ++j) hessian[size_t(i) * n + j] = hessian[size_t(j) * n + i];
     CUnitCost cost;
     cost.accumulation = Fastest(syrk);
+    // The row-major upper triangle that dsyrk writes is the column-major lower one that the routines read.
     cost.attempt = Fastest([&] {
-        std::copy(hessian.begin(), hessian.end(), factors.begin());
+        LAPACKE_dlacpy_work(LAPACK_COL_MAJOR, 'L', n, n, hessian.data(), n, factors.data(), n);
         for (int k = 0; k < n; ++k) factors[size_t(k) * n + k] += 0.01;
-        LAPACKE_dgetrf_work(LAPACK_COL_MAJOR, n, n, factors.data(), n, ipiv.data());
-        LAPACKE_dgetrs_work(LAPACK_COL_MAJOR, 'N', n, 1, factors.data(), n, ipiv.data(), step.data(), n);
+        std::fill(step.begin(), step.end(), 1.0);
+        LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', n, factors.data(), n);
+        LAPACKE_dpotrs_work(LAPACK_COL_MAJOR, 'L', n, 1, factors.data(), n, step.data(), n);
         benchmark::DoNotOptimize(step.data());
     });
     return cost;

@@ -2,11 +2,15 @@
 // units) and 1000 or 10000 patterns, against the practical limit of the same work on the optimised BLAS:
 //   Fast  the engine as the application runs it, on all cores
 //   One   the same on one core
+//   LU    Iteration only: the same on all cores with every try factored by the LU, as before the Cholesky
 //   Blas  the BLAS alone on prebuilt data, with its own default threads:
 //         Accumulate  cblas_dsyrk of a Jacobian of the same shape, built beforehand
-//         Iteration   that, plus LAPACKE dgetrf + dgetrs of the damped matrix (copied first, as every try does)
-// Fast's Iteration is the damped step of the run itself: one accumulation and one try (factor, solve, step,
-// forward pass). Factor times FactorLU alone on a damped quasi-Hessian against LAPACKE dgetrf. After the usual table, a second one gives the ratios Fast / Blas and One / Fast.
+//         Iteration   that, plus for each try a copy of the kept triangle, LAPACKE dpotrf and dpotrs
+// An Iteration round is four iterations of a trial, with the damping rule's tries (counter `tries`,
+// per iteration); its time is per iteration, and `peak_share` is its rate (n^2 P for the accumulation, n^3 / 3
+// per try) over the rate of a 2000 x 2000 dgemm on the same cores. Factor times FactorLU alone on a damped
+// quasi-Hessian against LAPACKE dgetrf, Cholesky the damped Cholesky against dpotrf. After the usual table, a
+// second one gives the ratios Fast / Blas, One / Fast and Fast / LU.
 //
 // Run: build/bench/vantrel_bench   (a few minutes; --benchmark_filter=Iteration etc. for a part)
 #include <benchmark/benchmark.h>
@@ -14,8 +18,9 @@
 #include <lapacke.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
-#include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -80,56 +85,160 @@ void BM_Accumulate_Blas(benchmark::State& state) {
     }
 }
 
-// ---- one whole second-order iteration ---------------------------------------------------------------------------
+// ---- second-order iterations ------------------------------------------------------------------------------------
 
-// The run's damped step; a previous error of infinity makes the first try succeed, so each round is one
-// accumulation and one try.
-void Iteration(benchmark::State& state, int cores) {
-    CNetworkBuffers net;
-    Sample(net, state);
-    const size_t n = net.Step().nParams;
-    const std::vector<double> start(net.Step().pParams, net.Step().pParams + n);
-    std::vector<double> saved(n * n);
-    CBenchCores use(cores);
-    for (auto _ : state) {
-        std::copy(start.begin(), start.end(), net.Step().pParams);  // every round times the same work
-        net.UnpackParameters();
-        const engine::CDampedStep step = engine::DampedIteration(
-            net, engine::CDampedForm{}, saved.data(), std::numeric_limits<double>::infinity(), kTryDamping,
-            engine::CCancelToken::Never());
-        benchmark::DoNotOptimize(step.error);
+// A round is four iterations of a trial from the sample's network, with the damping rule at work: the tries
+// that each iteration makes are those of a real run. The rounds start where the first ten iterations of the
+// trial have left the network and the damping value, which by then has settled into the rule's rhythm.
+constexpr int kTrialIterations = 4;
+constexpr int kSettleIterations = 10;
+
+// The engine's buffers with the tries of before: each factors the whole damped matrix by the LU (the fallback
+// of the damped solve), rebuilt from the kept triangle first.
+class CLUTries : public CNetworkBuffers {
+public:
+    void SolveHessian(const double* diagonal, double damping, double* x) override {
+        const engine::CStepArrays s = Step();
+        m_whole.resize(size_t(s.nParams) * s.nParams);
+        engine::kernels::SolveDampedByLU(s.pHessian, static_cast<int>(s.nParams), diagonal, damping, s.pGradient,
+                                         x, m_whole.data(), engine::CCancelToken::Never());
     }
+
+private:
+    std::vector<double> m_whole;
+};
+
+// Iterations of a trial from the network as it stands, the error before them and the damping value;
+// returns the tries they made, and leaves the error and the damping value after them.
+int Iterate(CNetworkBuffers& net, int iterations, double& error, double& damping) {
+    int tries = 0;
+    for (int k = 0; k < iterations; ++k) {
+        const engine::CDampedStep step =
+            engine::DampedIteration(net, engine::CDampedForm{}, error, damping, engine::CCancelToken::Never());
+        error = step.error;
+        damping = step.damping;
+        tries += step.tries;
+    }
+    return tries;
 }
 
-void BM_Iteration_Fast(benchmark::State& state) { Iteration(state, 0); }
-void BM_Iteration_One(benchmark::State& state) { Iteration(state, 1); }
+// Where every round starts: the network, its error and the damping value after the settling iterations.
+struct CTrialStart {
+    explicit CTrialStart(CNetworkBuffers& net) : error(net.ComputeError()), damping(kTryDamping) {
+        Iterate(net, kSettleIterations, error, damping);
+        params.assign(net.Step().pParams, net.Step().pParams + net.Step().nParams);
+    }
+    std::vector<double> params;
+    double error, damping;
+};
 
+// One round; returns the tries it made.
+int Trial(CNetworkBuffers& net, const CTrialStart& start) {
+    std::copy(start.params.begin(), start.params.end(), net.Step().pParams);
+    net.UnpackParameters();
+    double error = start.error, damping = start.damping;
+    return Iterate(net, kTrialIterations, error, damping);
+}
+
+// GFLOP/s of a 2000 x 2000 dgemm on the BLAS's threads as they stand: the peak that the iterations are
+// measured against.
+double DgemmPeak() {
+    static std::map<int, double> measured;  // by the BLAS's thread count
+    double& peak = measured[openblas_get_num_threads()];
+    if (peak > 0) return peak;
+    constexpr int n = 2000;
+    std::vector<double> a(size_t(n) * n, 0.5), b(a), c(a);
+    double best = 1e30;
+    for (int round = 0; round < 3; ++round) {
+        const auto start = std::chrono::steady_clock::now();
+        cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasNoTrans, n, n, n, 1.0, a.data(), n, b.data(), n, 0.0, c.data(),
+                    n);
+        best = std::min(best, std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    peak = 2.0 * n * n * n / best * 1e-9;
+    return peak;
+}
+
+// Counters of an iteration: its tries, its rate counted as n^2 P for the accumulation and n^3 / 3 per try (the
+// Cholesky's flops, whatever factors), and that rate's share of the dgemm peak on the same cores.
+void IterationCounters(benchmark::State& state, double tries, double secondsPerIteration, double peak) {
+    const double n = static_cast<double>(state.range(0)), patterns = static_cast<double>(state.range(1));
+    const double perIteration = tries / kTrialIterations;
+    const double gflops = (n * n * patterns + perIteration * n * n * n / 3.0) / secondsPerIteration * 1e-9;
+    state.counters["tries"] = perIteration;
+    state.counters["GFLOPs"] = gflops;
+    state.counters["peak_share"] = gflops / peak;
+}
+
+// Seconds per iteration of each round, by hand: a round is kTrialIterations iterations.
+template <typename Round>
+void TimeRounds(benchmark::State& state, double peak, Round round) {
+    double tries = 0.0, seconds = 0.0;
+    for (auto _ : state) {
+        const auto start = std::chrono::steady_clock::now();
+        tries = round();
+        const double elapsed = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        state.SetIterationTime(elapsed / kTrialIterations);
+        seconds += elapsed;
+    }
+    IterationCounters(state, tries, seconds / (double(state.iterations()) * kTrialIterations), peak);
+}
+
+void Iteration(benchmark::State& state, CNetworkBuffers& net, int cores) {
+    Sample(net, state);
+    const CTrialStart start(net);
+    CBenchCores use(cores);
+    TimeRounds(state, DgemmPeak(), [&] { return Trial(net, start); });
+}
+
+void BM_Iteration_Fast(benchmark::State& state) {
+    CNetworkBuffers net;
+    Iteration(state, net, 0);
+}
+
+void BM_Iteration_One(benchmark::State& state) {
+    CNetworkBuffers net;
+    Iteration(state, net, 1);
+}
+
+void BM_Iteration_LU(benchmark::State& state) {
+    CLUTries net;
+    Iteration(state, net, 0);
+}
+
+// The BLAS alone on the same round: for each iteration dsyrk of the prebuilt Jacobian, and for each of the
+// tries that the engine's round made (counted beforehand) a copy of the kept triangle with the damping on its
+// diagonal, dpotrf and dpotrs.
 void BM_Iteration_Blas(benchmark::State& state) {
     CNetworkBuffers net;
     Sample(net, state);
     const CPrebuiltJacobian jacobian(net);
+    const int tries = Trial(net, CTrialStart(net));
     const int n = jacobian.n;
     std::vector<double> hessian(static_cast<size_t>(n) * n), factors(hessian.size()), step(n);
-    std::vector<lapack_int> ipiv(n);
-    // The product writes the upper triangle only; the lower one, mirrored once here, stays the same.
-    jacobian.Syrk(hessian.data());
-    engine::kernels::MirrorUpperToLower(hessian.data(), n, engine::CCancelToken::Never());
-    for (auto _ : state) {
-        jacobian.Syrk(hessian.data());
-        std::copy(hessian.begin(), hessian.end(), factors.begin());
+    const double peak = DgemmPeak();
+    // The row-major upper triangle that dsyrk writes is the column-major lower one that the routines read.
+    auto attempt = [&] {
+        LAPACKE_dlacpy_work(LAPACK_COL_MAJOR, 'L', n, n, hessian.data(), n, factors.data(), n);
         for (int k = 0; k < n; ++k) factors[static_cast<size_t>(k) * n + k] += kTryDamping;
         std::fill(step.begin(), step.end(), 1.0);
-        // A symmetric matrix is its own transpose: the column-major routines take the row-major block as it is.
-        LAPACKE_dgetrf_work(LAPACK_COL_MAJOR, n, n, factors.data(), n, ipiv.data());
-        LAPACKE_dgetrs_work(LAPACK_COL_MAJOR, 'N', n, 1, factors.data(), n, ipiv.data(), step.data(), n);
+        LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', n, factors.data(), n);
+        LAPACKE_dpotrs_work(LAPACK_COL_MAJOR, 'L', n, 1, factors.data(), n, step.data(), n);
         benchmark::DoNotOptimize(step.data());
-    }
+    };
+    TimeRounds(state, peak, [&] {
+        for (int k = 0; k < kTrialIterations; ++k) jacobian.Syrk(hessian.data());
+        for (int t = 0; t < tries; ++t) attempt();
+        return tries;
+    });
 }
 
 // ---- the factorization alone ------------------------------------------------------------------------------
 
 // A damped quasi-Hessian of the sample (its first try's matrix), copied back before every round: FactorLU
-// against LAPACK's dgetrf on the same matrix, which pivots by magnitude alone.
+// against LAPACK's dgetrf on the same matrix, which pivots by magnitude alone. The Cholesky factorization
+// needs nothing copied back: it reads the kept triangle and the undamped diagonal; LAPACK's dpotrf gets a
+// copy of the triangle, as a caller of it who tries one matrix more than once must make.
 struct CDampedMatrix {
     explicit CDampedMatrix(const benchmark::State& state) {
         CNetworkBuffers net;
@@ -138,11 +247,14 @@ struct CDampedMatrix {
         net.Accumulate(false, true);
         n = static_cast<int>(net.Step().nParams);
         matrix.assign(net.Step().pHessian, net.Step().pHessian + static_cast<size_t>(n) * n);
-        for (int k = 0; k < n; ++k) matrix[static_cast<size_t>(k) * n + k] += kTryDamping;
+        for (int k = 0; k < n; ++k) {
+            diagonal.push_back(matrix[static_cast<size_t>(k) * n + k]);
+            matrix[static_cast<size_t>(k) * n + k] += kTryDamping;
+        }
         factors = matrix;
     }
     int n;
-    std::vector<double> matrix, factors;
+    std::vector<double> matrix, factors, diagonal;
 };
 
 void Factor(benchmark::State& state, int cores) {
@@ -169,6 +281,28 @@ void BM_Factor_Blas(benchmark::State& state) {
     }
 }
 
+void Cholesky(benchmark::State& state, int cores) {
+    CDampedMatrix m(state);
+    CBenchCores use(cores);
+    for (auto _ : state) {
+        engine::kernels::FactorDampedCholesky(m.factors.data(), m.n, m.diagonal.data(), kTryDamping,
+                                              engine::CCancelToken::Never());
+        benchmark::DoNotOptimize(m.factors.data());
+    }
+}
+
+void BM_Cholesky_Fast(benchmark::State& state) { Cholesky(state, 0); }
+void BM_Cholesky_One(benchmark::State& state) { Cholesky(state, 1); }
+
+void BM_Cholesky_Blas(benchmark::State& state) {
+    CDampedMatrix m(state);
+    for (auto _ : state) {
+        LAPACKE_dlacpy_work(LAPACK_COL_MAJOR, 'L', m.n, m.n, m.matrix.data(), m.n, m.factors.data(), m.n);
+        LAPACKE_dpotrf_work(LAPACK_COL_MAJOR, 'L', m.n, m.factors.data(), m.n);
+        benchmark::DoNotOptimize(m.factors.data());
+    }
+}
+
 // ---- shapes and order ---------------------------------------------------------------------------------------
 
 using BenchmarkFunction = void (*)(benchmark::State&);
@@ -178,33 +312,38 @@ struct Variant {
     BenchmarkFunction function;
 };
 
-// Each is repeated and the median kept.
-void Register(const std::string& name, BenchmarkFunction function, const std::vector<int64_t>& shape) {
-    benchmark::RegisterBenchmark(name.c_str(), function)
-        ->Args(shape)
-        ->Unit(benchmark::kMillisecond)
-        ->UseRealTime()
-        ->MinTime(0.3)
-        ->Repetitions(3)
-        ->ReportAggregatesOnly(true);
+// Each is repeated and the median kept. A benchmark of manual time sets each round's time itself.
+void Register(const std::string& name, BenchmarkFunction function, const std::vector<int64_t>& shape,
+              bool manualTime = false) {
+    benchmark::internal::Benchmark* b = benchmark::RegisterBenchmark(name.c_str(), function);
+    b->Args(shape)->Unit(benchmark::kMillisecond)->MinTime(0.3)->Repetitions(3)->ReportAggregatesOnly(true);
+    if (manualTime)
+        b->UseManualTime();
+    else
+        b->UseRealTime();
 }
 
 // The variants of one shape run back to back, so that a change in the load of the shared machine touches
 // them alike.
 template <size_t Count>
-void RegisterWork(const char* work, const Variant (&variants)[Count]) {
+void RegisterWork(const char* work, const Variant (&variants)[Count], bool manualTime = false) {
     for (int params : {101, 401, 1201})
         for (int patterns : {1000, 10000})
             for (const Variant& variant : variants)
-                Register(std::string("BM_") + work + "_" + variant.name, variant.function, {params, patterns});
+                Register(std::string("BM_") + work + "_" + variant.name, variant.function, {params, patterns},
+                         manualTime);
 }
 
-// The factorization at the iteration's sizes and at one larger, where the updates split into strips.
+// The factorizations at the iteration's sizes and at one larger, where the updates split into strips.
 void RegisterFactorBenchmarks() {
-    for (int params : {401, 1201, 2001})
+    for (int params : {401, 1201, 2001}) {
         for (const Variant& variant : {Variant{"Fast", BM_Factor_Fast}, Variant{"One", BM_Factor_One},
                                        Variant{"Blas", BM_Factor_Blas}})
             Register(std::string("BM_Factor_") + variant.name, variant.function, {params});
+        for (const Variant& variant : {Variant{"Fast", BM_Cholesky_Fast}, Variant{"One", BM_Cholesky_One},
+                                       Variant{"Blas", BM_Cholesky_Blas}})
+            Register(std::string("BM_Cholesky_") + variant.name, variant.function, {params});
+    }
 }
 
 }  // namespace
@@ -212,6 +351,9 @@ void RegisterFactorBenchmarks() {
 void RegisterNetworkBenchmarks() {
     RegisterWork("Accumulate",
                  {{"Fast", BM_Accumulate_Fast}, {"One", BM_Accumulate_One}, {"Blas", BM_Accumulate_Blas}});
-    RegisterWork("Iteration", {{"Fast", BM_Iteration_Fast}, {"One", BM_Iteration_One}, {"Blas", BM_Iteration_Blas}});
+    RegisterWork("Iteration",
+                 {{"Fast", BM_Iteration_Fast}, {"One", BM_Iteration_One}, {"LU", BM_Iteration_LU},
+                  {"Blas", BM_Iteration_Blas}},
+                 true);
     RegisterFactorBenchmarks();
 }

@@ -30,8 +30,8 @@ void CRatioReporter::ReportRuns(const std::vector<Run>& reports) {
 
 void CRatioReporter::Finalize() {
     ConsoleReporter::Finalize();
-    std::printf("\n%-18s %-16s %11s %11s %11s %10s %9s\n", "work", "shape", "Fast ms", "One ms", "Blas ms",
-                "Fast/Blas", "One/Fast");
+    std::printf("\n%-18s %-16s %11s %11s %11s %11s %10s %9s %8s\n", "work", "shape", "Fast ms", "One ms", "LU ms",
+                "Blas ms", "Fast/Blas", "One/Fast", "Fast/LU");
     for (const auto& [family, shapes] : m_times) {
         for (const auto& [shape, variants] : shapes) {
             std::string label;
@@ -40,10 +40,10 @@ void CRatioReporter::Finalize() {
                 const auto found = variants.find(variant);
                 return found == variants.end() ? 0.0 : found->second;
             };
-            const double fast = at("Fast"), one = at("One"), blas = at("Blas");
-            std::printf("%-18s %-16s %11.3f %11.3f %11.3f %10.2f %9.2f\n", family.c_str(), label.c_str(),
-                        fast * 1e3, one * 1e3, blas * 1e3, blas > 0 ? fast / blas : 0.0,
-                        fast > 0 && one > 0 ? one / fast : 0.0);
+            const double fast = at("Fast"), one = at("One"), lu = at("LU"), blas = at("Blas");
+            std::printf("%-18s %-16s %11.3f %11.3f %11.3f %11.3f %10.2f %9.2f %8.2f\n", family.c_str(), label.c_str(),
+                        fast * 1e3, one * 1e3, lu * 1e3, blas * 1e3, blas > 0 ? fast / blas : 0.0,
+                        fast > 0 && one > 0 ? one / fast : 0.0, lu > 0 ? fast / lu : 0.0);
         }
     }
     std::fflush(stdout);

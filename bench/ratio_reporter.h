@@ -1,6 +1,6 @@
-// A console reporter that, after the usual table, prints for every benchmark family NAME_Fast / NAME_Blas
-// and NAME_One / NAME_Fast on each shape (0 where a variant did not run). A repeated benchmark counts by its
-// median, one that ran once by its time.
+// A console reporter that, after the usual table, prints for every benchmark family NAME_Fast / NAME_Blas,
+// NAME_One / NAME_Fast and NAME_Fast / NAME_LU on each shape (0 where a variant did not run). A repeated
+// benchmark counts by its median, one that ran once by its time.
 #pragma once
 
 #include <benchmark/benchmark.h>

@@ -62,11 +62,6 @@ double* CBufferStore::SizeDerivatives(bool secondOrder) {
     return m_spare.data();
 }
 
-int* CBufferStore::Pivots(UINT n) {
-    m_indx.resize(n);
-    return m_indx.data();
-}
-
 void CBufferStore::SetNoUnits() { SetUnits(0, m_nInputs); }
 
 void CBufferStore::AddUnit() {

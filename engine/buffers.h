@@ -28,7 +28,7 @@ public:
     CStepArrays Step() override;
     void SizeParameters(UINT nParams) override;
     double* SizeDerivatives(bool secondOrder) override;
-    int* Pivots(UINT n) override;
+    double* Spare() override { return m_spare.data(); }
     void SetNoUnits() override;
     void AddUnit() override;
     const CInitSettings& InitSettings() override { return m_init; }
@@ -44,7 +44,6 @@ private:
     std::vector<double> m_inputWeights, m_outputWeights, m_widths, m_centers;
     std::vector<double> m_initInputWeights, m_initOutputWeights, m_initWidths, m_initCenters;
     std::vector<double> m_params, m_delta, m_gradient, m_hessian, m_spare;
-    std::vector<int> m_indx;
 };
 
 // Patterns of one desired output each, in vectors that it owns, and the outputs kept of them.

@@ -6,7 +6,8 @@
 //   network.h   the algorithms by name, the packed parameter layout, views of a network and its patterns,
 //               packing, output, error measure, worst pattern, a new unit
 //   kernels.h   the fast kernels: blocked accumulation of gradient and quasi-Hessian, the forward pass, the
-//               blocked LU and the solve with its factors, the cores and BLAS threads they use
+//               damped solve (Cholesky from the kept triangle, the blocked LU where that fails), the cores
+//               and BLAS threads they use
 //   matrix.h    the decomposition's rules: the TINY pivot and the singular-matrix exception
 //   draw.h      the draw of a new network from a random source passed in
 //   trainee.h   the network under training as the runs drive it (an interface)
@@ -20,8 +21,7 @@
 //   runs.h      the runs of the five algorithms and their steps
 //   memory.h    how much memory the process may still take
 //
-// Ownership: arrays in views belong to the caller; a trainee owns its blocks; a run owns only its own series
-// and the saved quasi-Hessian of its trial.
+// Ownership: arrays in views belong to the caller; a trainee owns its blocks; a run owns only its own series.
 #pragma once
 
 #include "engine/buffers.h"

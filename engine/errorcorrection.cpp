@@ -10,7 +10,7 @@ CDampedForm GrowthForm(const CRunSettings& settings) { return CDampedForm{false,
 
 // Adds a unit and trains the grown network for all iterations; there is no test against the desired error
 // within a unit. false: a stop was asked for.
-bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
+bool TrainNewUnit(CRunState& run) {
     CTrainee& trainee = run.trainee;
     run.cancel.ThrowIfAbandoned();  // an abandoned run reports no further unit
     run.iteration = 0;
@@ -19,7 +19,7 @@ bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
     run.sink.UnitAdded(trainee.Units());
     double damping = kInitialDamping;
     trainee.PackParameters();
-    savedHessian = AllocateSavedHessian(trainee.Step().nParams);  // the vector's length changes only with a unit
+    CheckQuasiHessianFits(trainee.Step().nParams);  // the vector's length changes only with a unit
     run.iterationErrors.push_back(trainee.ComputeOutputs());
     run.sink.TrialStarted(run.iterationErrors.back());
     const CDampedForm form = GrowthForm(run.settings);
@@ -29,7 +29,7 @@ bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
         if (run.cancel.StopRequested()) return false;
         run.iteration = iteration;
         const CDampedStep step =
-            DampedIteration(trainee, form, savedHessian.get(), run.iterationErrors.back(), damping, run.cancel);
+            DampedIteration(trainee, form, run.iterationErrors.back(), damping, run.cancel);
         damping = step.damping;
         run.iterationErrors.push_back(step.error);
         run.sink.IterationDone(iteration, step.error);
@@ -42,14 +42,13 @@ bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
 }
 
 // Curves, final error, regions and result block of a finished unit; returns the unit's final error.
-double FinishUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
+double FinishUnit(CRunState& run) {
     CTrainee& trainee = run.trainee;
     run.sink.IterationCurve(run.iterationErrors);
     const double error = trainee.ComputeOutputs();
     run.sink.TotalError(error);
     run.sink.NetworkDone();
 
-    savedHessian.reset();
     run.finalErrors.push_back(error);
     run.sink.SummaryCurve(run.finalErrors, trainee.Units() / 10 + 1);
     const UINT iterations = static_cast<UINT>(run.iterationErrors.size() - 1);  // all of the iterations
@@ -62,7 +61,6 @@ double FinishUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
 CRunOutcome RunErrorCorrection(CTrainee& trainee, const CRunSettings& settings, CProgressSink& sink,
                                const CCancelToken& cancel, bool online) {
     CRunState run(trainee, settings, sink, cancel);
-    std::unique_ptr<double[]> savedHessian;
     try {
         const CRunOutcome begun = BeginRun(run);
         if (begun.ending != RunEnding::Normal) return begun;
@@ -70,8 +68,8 @@ CRunOutcome RunErrorCorrection(CTrainee& trainee, const CRunSettings& settings, 
         if (!online) trainee.ResetNetwork();
         else trainee.ComputeOutputs();
         for (UINT k = 0; k < settings.MaxUnits(); ++k) {
-            if (!TrainNewUnit(run, savedHessian)) return Ended(RunEnding::Stopped);
-            const double error = FinishUnit(run, savedHessian);
+            if (!TrainNewUnit(run)) return Ended(RunEnding::Stopped);
+            const double error = FinishUnit(run);
             if (!(error >= settings.DesiredError())) break;  // below the goal, or NaN
         }
     } catch (...) {

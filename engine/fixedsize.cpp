@@ -52,22 +52,18 @@ public:
     void BeginTrial(CRunState& run) override {
         m_form.nonFiniteFails = run.settings.NonFiniteTriesFail();
         m_damping = kInitialDamping;
-        m_savedHessian = AllocateSavedHessian(run.trainee.Step().nParams);
+        CheckQuasiHessianFits(run.trainee.Step().nParams);
     }
 
     double Iterate(CRunState& run, double previousError) override {
-        const CDampedStep step =
-            DampedIteration(run.trainee, m_form, m_savedHessian.get(), previousError, m_damping, run.cancel);
+        const CDampedStep step = DampedIteration(run.trainee, m_form, previousError, m_damping, run.cancel);
         m_damping = step.damping;  // carried to the next iteration of the trial
         return step.error;
     }
 
-    void EndTrial() override { m_savedHessian.reset(); }
-
 private:
     CDampedForm m_form;
     double m_damping = kInitialDamping;
-    std::unique_ptr<double[]> m_savedHessian;
 };
 
 std::unique_ptr<CTrialMethod> MethodOf(Algorithm algorithm) {

@@ -81,7 +81,8 @@ inline __attribute__((always_inline)) void ForwardBlockBody(const CNetworkView& 
                 dist[r] += a * a;
             }
         }
-        for (size_t r = 0; r < m; ++r) arg[r] = -dist[r] / sh;
+        const double negInv = -1.0 / sh;
+        for (size_t r = 0; r < m; ++r) arg[r] = dist[r] * negInv;
         ExpArray(arg, phi, m);
         for (size_t r = 0; r < m; ++r) y[r] += w * phi[r];
         if (!rows) continue;
@@ -158,6 +159,11 @@ double BlockErrors(const CNetworkView& net, UINT first, UINT count, CBlockScratc
 // the kept threads.
 constexpr double kParallelWork = 1.0e7;
 
+// The forward pass alone splits from this much work on (some hundredths of a millisecond): each try of the
+// Error Correction Algorithm's networks of some tens of units makes one, and ForwardWork counts an exp as
+// a few operations where it takes the time of some tens.
+constexpr double kParallelForwardWork = 2.0e6;
+
 // At most this many parts at a time.
 constexpr UINT kMaxParts = 8;
 
@@ -179,11 +185,11 @@ UINT CeilLog2(UINT count) {
     return levels;
 }
 
-// Parts of at least `span` chunks each.
-CChunkParts PartsOf(UINT patterns, double work, UINT span = 1) {
+// Parts of at least `span` chunks each; parallelWork: the work from which the chunks fall into parts.
+CChunkParts PartsOf(UINT patterns, double work, UINT span = 1, double parallelWork = kParallelWork) {
     CChunkParts parts;
     parts.chunks = ChunksOf(patterns);
-    const UINT most = work >= kParallelWork ? kMaxParts : 1;
+    const UINT most = work >= parallelWork ? kMaxParts : 1;
     parts.span = span;
     while ((uint64_t(parts.chunks) + parts.span - 1) / parts.span > most) parts.span *= 2;
     parts.count = std::max<UINT>(1, (parts.chunks + parts.span - 1) / parts.span);
@@ -497,7 +503,7 @@ void AddByTree(double* const* sums, UINT count, size_t length) {
 
 double SumSquaredErrors(const CNetworkView& net, double* outputs, const CCancelToken& cancel) {
     // The chunks of the accumulation, so that both sum the squares in the same order.
-    const CChunkParts parts = PartsOf(net.nPatterns, ForwardWork(net));
+    const CChunkParts parts = PartsOf(net.nPatterns, ForwardWork(net), 1, kParallelForwardWork);
     const UINT workers = std::min<UINT>(parts.count, static_cast<UINT>(ThreadCount()));
     CPartScratch& scratch = ScratchOfParts();
     for (UINT w = 0; w < workers; ++w) scratch.workers[w].block.Reserve(net.layout.nInputs, 0, kChunkPatterns);

@@ -8,9 +8,13 @@
 // aligned subtrees summed apart on as many threads as there are cores. Memory is a block of rows per thread,
 // a partial sum per level of a part's subtree and one per part: it grows with the logarithm of the patterns.
 //
-// Factorization: a recursive right-looking LU. Its one-column steps keep the pivot rule of the plain
-// algorithm (implicit scaling, whole-row swaps, indx, the TINY replacement); the updates between them are
-// triangular solves and matrix products on the optimised BLAS. A damped step solves with the factors.
+// Factorization: a damped step factors the damped quasi-Hessian by a recursive Cholesky factorization, which
+// reads the triangle that the accumulation keeps and writes its factor beside it, so that every try of an
+// iteration starts from the same sums without restoring them. A damped matrix that proves not positive
+// definite (a network gone NaN) is factored by the recursive right-looking LU instead, whose one-column steps
+// keep the pivot rule of the plain algorithm (implicit scaling, whole-row swaps, indx, the TINY replacement,
+// the singular-matrix failure). Both do their updates as triangular solves and matrix products on the
+// optimised BLAS.
 //
 // Results agree with the plain per-pattern loops and the plain decomposition (reference/reference.h) up to
 // rounding, measured normwise; they do not depend on the number of cores.
@@ -107,6 +111,31 @@ void FactorLU(double* a, int n, int* indx, const CCancelToken& cancel);
 // The solution x of A x = b for the matrix A whose factors FactorLU left in lu: the row swaps of indx in
 // their order, then the two triangular solves, as the plain substitution does for one right-hand side.
 void SolveWithFactors(const double* lu, int n, const int* indx, const double* b, double* x);
+
+// The damped matrix of a try: A + damping I for the symmetric A of order n whose strict upper triangle `a`
+// holds (row-major, as the accumulation leaves it) and whose diagonal is `diagonal`; A's own diagonal and
+// lower triangle in `a` are not read.
+//
+// FactorDampedCholesky writes the Cholesky factor L of the damped matrix (A + damping I = L L^T) into a's
+// lower triangle and diagonal, leaving the strict upper triangle as it was, and returns true; false when
+// the damped matrix is not positive definite (a diagonal element of L would not be a positive finite number:
+// NaNs and infinities end here too), a's lower triangle and diagonal then holding no defined value. Throws
+// CCancelled when cancel is abandoned on the way.
+bool FactorDampedCholesky(double* a, int n, const double* diagonal, double damping, const CCancelToken& cancel);
+
+// x solves L L^T x = b for the factor that FactorDampedCholesky left in l.
+void SolveWithCholesky(const double* l, int n, const double* b, double* x);
+
+// x solves (A + damping I) x = b as the plain algorithm does: the whole damped matrix written into spare
+// (n x n, no defined value after), FactorLU and SolveWithFactors, with their exceptions. a is only read.
+void SolveDampedByLU(const double* a, int n, const double* diagonal, double damping, const double* b, double* x,
+                     double* spare, const CCancelToken& cancel);
+
+// The damped step: x solves (A + damping I) x = b by FactorDampedCholesky and SolveWithCholesky, or, where
+// the damped matrix is not positive definite, by SolveDampedByLU, so that a singular matrix fails as the
+// plain decomposition fails ("Singular matrix in LUdcmp"). The strict upper triangle of a stays as it was.
+void SolveDamped(double* a, int n, const double* diagonal, double damping, const double* b, double* x,
+                 double* spare, const CCancelToken& cancel);
 
 }  // namespace kernels
 }  // namespace engine

@@ -52,12 +52,10 @@ double CNetworkPolicy::AccumulateGradientAndError(bool improved) {
     return Accumulated(improved, false) / static_cast<double>(Patterns());
 }
 
-void CNetworkPolicy::SolveHessian(double* x) {
+void CNetworkPolicy::SolveHessian(const double* diagonal, double damping, double* x) {
     const CStepArrays s = m_store.Step();
-    const int n = static_cast<int>(s.nParams);
-    int* indx = m_store.Pivots(s.nParams);
-    kernels::FactorLU(s.pHessian, n, indx, m_cancel);
-    kernels::SolveWithFactors(s.pHessian, n, indx, s.pGradient, x);
+    kernels::SolveDamped(s.pHessian, static_cast<int>(s.nParams), diagonal, damping, s.pGradient, x, m_store.Spare(),
+                         m_cancel);
 }
 
 void CNetworkPolicy::ResetNetwork() {

@@ -31,8 +31,8 @@ public:
     // The gradient, and with secondOrder the quasi-Hessian and the spare of Step().nParams squared, each of
     // its size; what they hold is undefined (the accumulation writes them whole). Returns the spare, or null.
     virtual double* SizeDerivatives(bool secondOrder) = 0;
-    // Room for the pivot indices of a factorization of n rows.
-    virtual int* Pivots(UINT n) = 0;
+    // The spare of SizeDerivatives(true): scratch for a damped try that falls back to the LU.
+    virtual double* Spare() = 0;
     // A network of no units; its one output weight (the bias) is the policy's to set.
     virtual void SetNoUnits() = 0;
     // One unit more behind the others, whose arrays keep their values; the new unit's are the policy's to set.
@@ -61,7 +61,7 @@ public:
     double ComputeOutputs() override;
     void Accumulate(bool improved, bool secondOrder) override;
     double AccumulateGradientAndError(bool improved) override;
-    void SolveHessian(double* x) override;
+    void SolveHessian(const double* diagonal, double damping, double* x) override;
     void ResetNetwork() override;
     void AddUnitAtWorstPattern() override;
 

@@ -76,17 +76,17 @@ struct CDampedStep {
 };
 
 // One iteration of the damped Gauss-Newton step: accumulates once, saves the parameters (in the step's delta)
-// and the quasi-Hessian (in savedHessian, nParams x nParams), then tries up to kMaxTries damping values until a
-// try's error is not greater than or equal to previousError (a NaN counts as smaller). Nothing is rolled back
-// after the last failure. With form.nonFiniteFails a try succeeds only below previousError, a singular damped
-// matrix fails the try instead of throwing, and an iteration whose tries all fail returns the network to where
-// it began (its error is then measured anew).
-CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* savedHessian, double previousError,
-                            double damping, const CCancelToken& cancel);
+// and the quasi-Hessian's diagonal, then tries up to kMaxTries damping values, each solved from the same
+// quasi-Hessian, until a try's error is not greater than or equal to previousError (a NaN counts as smaller).
+// Nothing is rolled back after the last failure. With form.nonFiniteFails a try succeeds only below
+// previousError, a singular damped matrix fails the try instead of throwing, and an iteration whose tries all
+// fail returns the network to where it began (its error is then measured anew).
+CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double previousError, double damping,
+                            const CCancelToken& cancel);
 
-// The saved quasi-Hessian of the damped methods; throws CQuasiHessianTooLarge when three n x n blocks would
-// not fit, so that the message can tell it from other memory that ran out.
+// Called before a damped trial or unit takes its quasi-Hessian: throws CQuasiHessianTooLarge when its n x n
+// blocks would not fit, so that the message can tell it from other memory that ran out.
 class CQuasiHessianTooLarge : public std::bad_alloc {};
-std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams);
+void CheckQuasiHessianFits(UINT nParams);
 
 }  // namespace engine

@@ -26,13 +26,13 @@ namespace {
 // What a form that fails non-finite tries changes of the window's rules, in one place.
 struct CNonFiniteRule {
     // x solves the damped system; false when the matrix is singular and the form fails such a try.
-    static bool Solve(CTrainee& trainee, const CDampedForm& form, double* x) {
+    static bool Solve(CTrainee& trainee, const CDampedForm& form, const double* diagonal, double damping, double* x) {
         if (!form.nonFiniteFails) {
-            trainee.SolveHessian(x);
+            trainee.SolveHessian(diagonal, damping, x);
             return true;
         }
         try {
-            trainee.SolveHessian(x);
+            trainee.SolveHessian(diagonal, damping, x);
             return true;
         } catch (const CSingularMatrixException&) {
             return false;
@@ -58,27 +58,25 @@ struct CNonFiniteRule {
 
 }  // namespace
 
-CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* savedHessian, double previousError,
-                            double damping, const CCancelToken& cancel) {
+CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double previousError, double damping,
+                            const CCancelToken& cancel) {
     trainee.Accumulate(form.improved, true);  // once per iteration: every try steps from the same sums
     const CStepArrays s = trainee.Step();
     const size_t n = s.nParams;
     std::memcpy(s.pDelta, s.pParams, n * sizeof(double));
-    std::memcpy(savedHessian, s.pHessian, n * n * sizeof(double));
+    // Each try writes its factors over the quasi-Hessian's diagonal and lower triangle, and reads the matrix
+    // from the strict upper triangle, which stays, and from this copy of the diagonal.
+    std::vector<double> diagonal(n), step(n);
+    for (size_t d = 0; d < n; ++d) diagonal[d] = s.pHessian[d * n + d];
 
-    std::vector<double> step(n);
     CDampedStep result{0.0, damping, 0};
     bool lowered = false;
     while (!lowered && result.tries < kMaxTries) {
         cancel.ThrowIfAbandoned();
         ++result.tries;
-        // The solve destroys the quasi-Hessian, so each later try starts again from the saved copy; the first
-        // finds it as the accumulation left it.
-        if (result.tries > 1) std::memcpy(s.pHessian, savedHessian, n * n * sizeof(double));
-        for (size_t d = 0; d < n; ++d) s.pHessian[d * n + d] += result.damping;
         // The step is the damped matrix's inverse applied to the gradient; a solve with the factors gives it
-        // at a third of the cost of forming the inverse.
-        if (CNonFiniteRule::Solve(trainee, form, step.data())) {
+        // at a fraction of the cost of forming the inverse.
+        if (CNonFiniteRule::Solve(trainee, form, diagonal.data(), result.damping, step.data())) {
             for (size_t r = 0; r < n; ++r) s.pParams[r] = s.pDelta[r] - step[r];
             trainee.UnpackParameters();
             result.error = form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
@@ -94,16 +92,12 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double* 
     return result;
 }
 
-std::unique_ptr<double[]> AllocateSavedHessian(UINT nParams) {
+void CheckQuasiHessianFits(UINT nParams) {
     const double n = nParams;
-    // Three n x n blocks live during a damped trial: this one, the quasi-Hessian and its spare. What can't fit
-    // is refused here, before any is taken, where the run can still say why.
-    if (!DoublesFit(3.0 * n * n)) throw CQuasiHessianTooLarge();
-    try {
-        return std::unique_ptr<double[]>(new double[size_t(nParams) * nParams]);
-    } catch (const std::bad_alloc&) {
-        throw CQuasiHessianTooLarge();
-    }
+    // Two n x n blocks live during a damped trial: the quasi-Hessian, which holds each try's factors beside
+    // the sums, and its spare. What can't fit is refused here, before either is taken, where the run can still
+    // say why.
+    if (!DoublesFit(2.0 * n * n)) throw CQuasiHessianTooLarge();
 }
 
 }  // namespace engine

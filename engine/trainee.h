@@ -5,9 +5,9 @@
 // Contract of every implementation: the operations keep the meaning of the workspace members of the same
 // names. PackParameters sizes the parameter vector and the step for the network and algorithm as they stand,
 // all 0.0, then packs; the accumulators size gradient and quasi-Hessian for that vector and fill them;
-// SolveHessian factors the quasi-Hessian in place and writes the damped step; the error measures read the
-// network's own arrays, so UnpackParameters comes first after a change of the vector. Blocks are the
-// implementation's: what Step() returns stays valid until the next operation that sizes them.
+// SolveHessian factors the damped quasi-Hessian beside its kept triangle and writes the step; the error
+// measures read the network's own arrays, so UnpackParameters comes first after a change of the vector. Blocks
+// are the implementation's: what Step() returns stays valid until the next operation that sizes them.
 #pragma once
 
 #include "engine/network.h"
@@ -44,9 +44,10 @@ public:
     virtual void Accumulate(bool improved, bool secondOrder) = 0;
     // The gradient and the error of the same network in one pass.
     virtual double AccumulateGradientAndError(bool improved) = 0;
-    // x (nParams) solves quasi-Hessian x = gradient; destroys the quasi-Hessian; throws
-    // CSingularMatrixException.
-    virtual void SolveHessian(double* x) = 0;
+    // x (nParams) solves (quasi-Hessian + damping I) x = gradient, where the quasi-Hessian is read from its
+    // strict upper triangle and `diagonal` (nParams); its diagonal and lower triangle get the factors, its
+    // strict upper triangle stays (kernels::SolveDamped). Throws CSingularMatrixException.
+    virtual void SolveHessian(const double* diagonal, double damping, double* x) = 0;
     // Error Correction: a network of no units (the bias 1.0), and a new unit at the worst pattern.
     virtual void ResetNetwork() = 0;
     virtual void AddUnitAtWorstPattern() = 0;

@@ -77,10 +77,7 @@ double* CWorkspaceStore::SizeDerivatives(bool secondOrder) {
     return m_dlg.m_pHessianInv;
 }
 
-int* CWorkspaceStore::Pivots(UINT n) {
-    m_indx.resize(n);
-    return m_indx.data();
-}
+double* CWorkspaceStore::Spare() { return m_dlg.m_pHessianInv; }
 
 void CWorkspaceStore::SetNoUnits() {
     // The blocks are replaced whole, so a failed allocation leaves the old network as it was.
@@ -145,7 +142,9 @@ void CVantrelDlg::InitializeNetwork() { CWorkspaceTrainee(*this).InitializeNetwo
 
 void CVantrelDlg::LUdcmp(double* a, int n, int* indx) { engine::kernels::FactorLU(a, n, indx, m_cancel); }
 
-void CVantrelDlg::SolveHessian(double* x) { CWorkspaceTrainee(*this).SolveHessian(x); }
+void CVantrelDlg::SolveHessian(const double* diagonal, double damping, double* x) {
+    CWorkspaceTrainee(*this).SolveHessian(diagonal, damping, x);
+}
 
 void CVantrelDlg::ResetNetwork() { CWorkspaceTrainee(*this).ResetNetwork(); }
 

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <optional>
-#include <vector>
 
 #include "engine/policy.h"
 
@@ -21,7 +20,7 @@ public:
     engine::CStepArrays Step() override;
     void SizeParameters(engine::UINT nParams) override;
     double* SizeDerivatives(bool secondOrder) override;
-    int* Pivots(engine::UINT n) override;
+    double* Spare() override;
     void SetNoUnits() override;
     void AddUnit() override;
     const engine::CInitSettings& InitSettings() override;
@@ -30,7 +29,6 @@ public:
 private:
     CVantrelDlg& m_dlg;
     engine::CInitSettings m_init;
-    std::vector<int> m_indx;
     std::optional<engine::CSeededRand> m_random;  // the draw under way, seeded by its start
 };
 

@@ -140,9 +140,10 @@ public:
     void AddUnitAtWorstPattern();
 
     // ---- matrix decomposition (workspace/numerics.cpp, on the engine) ------------------------------------------
-    // The damped step without forming the inverse: factors m_pHessian in place by LUdcmp (which raises
-    // "Singular matrix in LUdcmp") and writes the solution x of m_pHessian x = m_pGradient.
-    void SolveHessian(double* x);
+    // The damped step without forming the inverse: x solves (m_pHessian + damping I) x = m_pGradient, with
+    // m_pHessian read from its strict upper triangle and `diagonal`, and its factors written beside that
+    // (engine::kernels::SolveDamped; a singular matrix raises "Singular matrix in LUdcmp").
+    void SolveHessian(const double* diagonal, double damping, double* x);
     void LUdcmp(double* a, int n, int* indx);
 
     // ---- training (training/: start.cpp, online.cpp) -------------------------------------------------------------

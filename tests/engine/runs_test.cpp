@@ -182,9 +182,9 @@ CTrainedBits AccumulatedOn(int threads, const CSampleShape& shape) {
     bits.insert(bits.end(), gradient.begin(), gradient.end());
     // And the damped step that the factors give.
     sample.buffers.Accumulate(false, true);
-    for (size_t d = 0; d < a.nParams; ++d) a.pHessian[d * a.nParams + d] += 0.01;
-    std::vector<double> step(a.nParams);
-    sample.buffers.SolveHessian(step.data());
+    std::vector<double> diagonal(a.nParams), step(a.nParams);
+    for (size_t d = 0; d < a.nParams; ++d) diagonal[d] = a.pHessian[d * a.nParams + d];
+    sample.buffers.SolveHessian(diagonal.data(), 0.01, step.data());
     bits.insert(bits.end(), step.begin(), step.end());
     engine::kernels::LimitThreads(0);
     return bits;

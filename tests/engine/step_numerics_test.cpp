@@ -42,8 +42,9 @@ TEST(ApplyFirstOrderStep, FollowsTheFormulaWithMomentumAndLearningConstant) {
     }
 }
 
-// Two parameters: gradient g and a diagonal quasi-Hessian h. The solve records the damped diagonal of each try
-// and then wrecks the quasi-Hessian, as the real one does; each error measure returns the next scripted error.
+// Two parameters: gradient g and a diagonal quasi-Hessian h. The solve records the diagonal and the damping
+// value of each try and then writes over the quasi-Hessian's diagonal, as the real factors do; each error
+// measure returns the next scripted error.
 class CScriptedTrainee : public engine::CTrainee {
 public:
     CScriptedTrainee() : params{1.0, 2.0}, delta(2), gradient(2), hessian(4) {}
@@ -62,12 +63,13 @@ public:
         hessian = {kH0, 0.0, 0.0, kH1};
     }
     double AccumulateGradientAndError(bool) override { return 0.0; }
-    void SolveHessian(double* x) override {
-        dampings.push_back(hessian[0] - kH0);
+    void SolveHessian(const double* diagonal, double damping, double* x) override {
+        diagonals.push_back({diagonal[0], diagonal[1]});
+        dampings.push_back(damping);
         if (singularSolves > 0 && singularSolves--) throw engine::CSingularMatrixException();
-        x[0] = gradient[0] / hessian[0];
-        x[1] = gradient[1] / hessian[3];
-        hessian.assign(4, std::numeric_limits<double>::quiet_NaN());
+        x[0] = gradient[0] / (diagonal[0] + damping);
+        x[1] = gradient[1] / (diagonal[1] + damping);
+        hessian[0] = hessian[3] = std::numeric_limits<double>::quiet_NaN();
     }
     void ResetNetwork() override {}
     void AddUnitAtWorstPattern() override {}
@@ -75,6 +77,7 @@ public:
     static constexpr double kG0 = 3.0, kG1 = 8.0, kH0 = 2.0, kH1 = 4.0;
     std::deque<double> errors;
     std::vector<double> params, delta, gradient, hessian, triedParams, dampings;
+    std::vector<std::vector<double>> diagonals;
     int accumulations = 0, outputMeasures = 0;
     int singularSolves = 0;  // the first ones find the damped matrix singular
 
@@ -90,9 +93,8 @@ private:
 CDampedStep Iterate(CScriptedTrainee& t, std::deque<double> errors, double previousError, double damping,
                     const engine::CCancelToken& cancel = engine::CCancelToken::Never(),
                     const engine::CDampedForm& form = engine::CDampedForm{}) {
-    std::vector<double> saved(4);
     t.errors = std::move(errors);
-    return engine::DampedIteration(t, form, saved.data(), previousError, damping, cancel);
+    return engine::DampedIteration(t, form, previousError, damping, cancel);
 }
 
 }  // namespace
@@ -139,6 +141,9 @@ TEST(DampedIteration, EveryTryStepsFromTheSavedPointAndNothingIsRolledBack) {
     Iterate(t, {0.6, 0.7, 0.8, 0.9, 1.0, 1.1}, 0.5, 0.01);
     EXPECT_EQ(t.accumulations, 1) << "derivatives are accumulated once per iteration, not per try";
     EXPECT_EQ(t.delta, (std::vector<double>{1.0, 2.0})) << "delta must hold the parameters at the iteration's start";
+    for (const std::vector<double>& diagonal : t.diagonals)
+        EXPECT_EQ(diagonal, (std::vector<double>{CScriptedTrainee::kH0, CScriptedTrainee::kH1}))
+            << "every try must see the accumulation's diagonal, not what an earlier try's factors left";
     ASSERT_EQ(t.triedParams.size(), 6u);
     for (size_t k = 0; k < 6; ++k)
         EXPECT_DOUBLE_EQ(t.triedParams[k], 1.0 - 3.0 / (2.0 + 0.01 * std::pow(10.0, double(k)))) << "try " << k;
@@ -147,9 +152,7 @@ TEST(DampedIteration, EveryTryStepsFromTheSavedPointAndNothingIsRolledBack) {
     EXPECT_DOUBLE_EQ(t.params[1], 2.0 - 8.0 / 1004.0);
     EXPECT_EQ(t.outputMeasures, 0) << "the second-order form must judge by ComputeError";
     CScriptedTrainee growth;
-    std::vector<double> saved(4);
-    engine::DampedIteration(growth, engine::CDampedForm{false, true}, saved.data(), 0.5, 0.01,
-                            engine::CCancelToken::Never());
+    engine::DampedIteration(growth, engine::CDampedForm{false, true}, 0.5, 0.01, engine::CCancelToken::Never());
     EXPECT_EQ(growth.outputMeasures, 1) << "Error Correction must judge by ComputeOutputs";
 }
 

@@ -1,0 +1,167 @@
+// The damped solve: the Cholesky factorization from the kept triangle against the plain decomposition across
+// the block sizes, the kept triangle left as it was, and the fallback to the LU where the damped matrix is not
+// positive definite, which must end every such case as the LU alone ends it.
+#include <gtest/gtest.h>
+#include <cblas.h>
+
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "engine/kernels.h"
+#include "engine/matrix.h"
+#include "network_test_support.h"
+#include "reference/reference.h"
+
+namespace {
+
+using engine::CCancelToken;
+namespace kernels = engine::kernels;
+
+const double kNaN = std::numeric_limits<double>::quiet_NaN();
+
+// A quasi-Hessian as the accumulation leaves it: B B^T of a random n x (n + 3) block B whose rows are of very
+// different scales, in both triangles, and its diagonal apart.
+struct CKept {
+    CKept(int order, unsigned seed) : n(order), matrix(static_cast<size_t>(order) * order), diagonal(order) {
+        std::mt19937 random(seed);
+        std::uniform_real_distribution<double> unit(-1.0, 1.0);
+        const int cols = n + 3;
+        std::vector<double> b(static_cast<size_t>(n) * cols);
+        for (int i = 0; i < n; ++i)
+            for (int j = 0; j < cols; ++j) b[static_cast<size_t>(i) * cols + j] = unit(random) * std::pow(2.0, i % 5);
+        cblas_dsyrk(CblasRowMajor, CblasUpper, CblasNoTrans, n, cols, 1.0, b.data(), cols, 0.0, matrix.data(), n);
+        kernels::MirrorUpperToLower(matrix.data(), n, CCancelToken::Never());
+        for (int d = 0; d < n; ++d) diagonal[d] = matrix[static_cast<size_t>(d) * n + d];
+    }
+    // The whole damped matrix, as the plain algorithm factors it.
+    std::vector<double> Damped(double damping) const {
+        std::vector<double> damped = matrix;
+        for (int d = 0; d < n; ++d) damped[static_cast<size_t>(d) * n + d] += damping;
+        return damped;
+    }
+    // The strict upper triangle, which every solve must leave as it found it.
+    std::vector<double> StrictUpper(const std::vector<double>& a) const {
+        std::vector<double> upper;
+        for (int i = 0; i < n; ++i) upper.insert(upper.end(), a.begin() + i * n + i + 1, a.begin() + (i + 1) * n);
+        return upper;
+    }
+    int n;
+    std::vector<double> matrix, diagonal;
+};
+
+std::vector<uint64_t> Bits(const std::vector<double>& v) {
+    std::vector<uint64_t> bits(v.size());
+    std::memcpy(bits.data(), v.data(), v.size() * sizeof(double));
+    return bits;
+}
+
+// What SolveDamped gives (its step, or the failure's text) and what the plain LU of the whole damped matrix
+// gives through the kernels, bit for bit.
+struct CBothWays {
+    std::vector<double> damped, lu;
+    std::string dampedFailure, luFailure;
+};
+
+CBothWays SolveBothWays(const CKept& k, double damping, const std::vector<double>& b) {
+    CBothWays r{std::vector<double>(k.n), std::vector<double>(k.n), "", ""};
+    std::vector<double> a = k.matrix, spare(a.size()), full = k.Damped(damping);
+    std::vector<int> indx(k.n);
+    try {
+        kernels::SolveDamped(a.data(), k.n, k.diagonal.data(), damping, b.data(), r.damped.data(), spare.data(),
+                             CCancelToken::Never());
+    } catch (const engine::CSingularMatrixException& failure) {
+        r.dampedFailure = failure.what();
+    }
+    try {
+        kernels::FactorLU(full.data(), k.n, indx.data(), CCancelToken::Never());
+        kernels::SolveWithFactors(full.data(), k.n, indx.data(), b.data(), r.lu.data());
+    } catch (const engine::CSingularMatrixException& failure) {
+        r.luFailure = failure.what();
+    }
+    EXPECT_EQ(Bits(k.StrictUpper(a)), Bits(k.StrictUpper(k.matrix))) << "the kept triangle changed";
+    return r;
+}
+
+}  // namespace
+
+TEST(SolveDamped, CholeskyAgreesWithThePlainDecompositionAcrossBlockSizesAndKeepsTheTriangle) {
+    // Up to 1030: from 318 on the blocks split, and their updates fall into strips of rows.
+    for (int n : {1, 2, 5, 65, 128, 129, 300, 600, 1030}) {
+        const CKept k(n, 300 + n);
+        std::vector<double> b(n);
+        for (int i = 0; i < n; ++i) b[i] = i < n / 2 ? 0.0 : 1.0 - 0.25 * i;
+        for (double damping : {1.0, 0.01}) {
+            std::vector<double> a = k.matrix;
+            ASSERT_TRUE(kernels::FactorDampedCholesky(a.data(), n, k.diagonal.data(), damping, CCancelToken::Never()))
+                << "a damped quasi-Hessian must be positive definite, n=" << n;
+            std::vector<double> x(n);
+            kernels::SolveWithCholesky(a.data(), n, b.data(), x.data());
+            EXPECT_EQ(Bits(k.StrictUpper(a)), Bits(k.StrictUpper(k.matrix))) << "the kept triangle changed, n=" << n;
+
+            std::vector<double> plain = k.Damped(damping), plainX(n);
+            std::vector<int> indx(n);
+            reference::LUdcmp(plain.data(), n, indx.data());
+            reference::LUBackSubstitute(plain.data(), n, indx.data(), b.data(), plainX.data());
+            const double bound = damping == 1.0 ? 1e-11 : 1e-8;  // the condition grows as the damping falls
+            EXPECT_LT(RelativeDifference(x.data(), plainX.data(), n), bound)
+                << "against the plain decomposition, n=" << n << ", damping " << damping;
+            const std::vector<double> damped = k.Damped(damping);
+            for (int i = 0; i < n; ++i) {
+                double s = 0.0, scale = 0.0;
+                for (int j = 0; j < n; ++j) {
+                    s += damped[static_cast<size_t>(i) * n + j] * x[j];
+                    scale += std::fabs(damped[static_cast<size_t>(i) * n + j] * x[j]);
+                }
+                ASSERT_NEAR(s, b[i], 1e-12 * scale + 1e-300) << "residual of row " << i << ", n=" << n;
+            }
+        }
+    }
+}
+
+TEST(SolveDamped, MatrixThatIsNotPositiveDefiniteEndsExactlyAsTheLUAloneEndsIt) {
+    struct Case {
+        const char* name;
+        int n;
+        std::function<void(CKept&)> spoil;
+        const char* failure;
+    };
+    // Each spoils the kept matrix in both triangles and in the kept diagonal, as an accumulation would.
+    auto set = [](CKept& k, int i, int j, double v) {
+        k.matrix[static_cast<size_t>(i) * k.n + j] = k.matrix[static_cast<size_t>(j) * k.n + i] = v;
+        if (i == j) k.diagonal[i] = v;
+    };
+    const Case cases[] = {
+        {"negative diagonal element", 40, [&](CKept& k) { set(k, 20, 20, -5.0); }, ""},
+        {"indefinite beyond the first blocks", 600, [&](CKept& k) { set(k, 0, 599, 1e6); }, ""},
+        {"NaN off the diagonal", 70, [&](CKept& k) { set(k, 3, 50, kNaN); }, ""},
+        {"infinite diagonal element", 5, [&](CKept& k) { set(k, 2, 2, INFINITY); }, ""},
+        {"row of NaNs", 70, [&](CKept& k) { for (int j = 0; j < k.n; ++j) set(k, 33, j, kNaN); },
+         "Singular matrix in LUdcmp"},
+    };
+    for (const Case& c : cases) {
+        CKept k(c.n, 7);
+        c.spoil(k);
+        std::vector<double> factors = k.matrix;
+        EXPECT_FALSE(kernels::FactorDampedCholesky(factors.data(), k.n, k.diagonal.data(), 0.01, CCancelToken::Never()))
+            << c.name << ": Cholesky must refuse it";
+        const std::vector<double> b(k.n, 1.0);
+        const CBothWays r = SolveBothWays(k, 0.01, b);
+        EXPECT_EQ(r.dampedFailure, c.failure) << c.name;
+        EXPECT_EQ(r.luFailure, c.failure) << c.name;
+        EXPECT_EQ(Bits(r.damped), Bits(r.lu)) << c.name << ": the step must be the LU's, bit for bit";
+    }
+}
+
+TEST(SolveDamped, AbandonedTokenThrowsCancelled) {
+    const CKept k(100, 3);
+    std::vector<double> a = k.matrix;
+    CCancelToken token;
+    token.Abandon();
+    EXPECT_THROW(kernels::FactorDampedCholesky(a.data(), k.n, k.diagonal.data(), 0.01, token), engine::CCancelled);
+}
