@@ -57,7 +57,7 @@ struct CKept {
 
 std::vector<uint64_t> Bits(const std::vector<double>& v) {
     std::vector<uint64_t> bits(v.size());
-    std::memcpy(bits.data(), v.data(), v.size() * sizeof(double));
+    if (!v.empty()) std::memcpy(bits.data(), v.data(), v.size() * sizeof(double));  // an empty vector's data may be null
     return bits;
 }
 
