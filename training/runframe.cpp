@@ -1,6 +1,7 @@
 #include "training/training.h"
 
 #include "platform/shared.h"
+#include "platform/uiqueue.h"
 #include "workspace/network.h"
 
 namespace training {
@@ -101,13 +102,16 @@ UINT EndRun(CVantrelDlg& dlg, const engine::CRunOutcome& outcome) {
     if (outcome.ending == engine::RunEnding::Abandoned) return 1;
     // The box holds the worker until it is closed, so the controls come back only after the user has read it.
     if (outcome.ending == engine::RunEnding::Failed) dlg.MessageBox(outcome.message.c_str(), "Error", MB_ICONHAND);
-    // Cleared before the caption turns back: once the button shows "Start Training", a press starts the next
-    // run.
-    dlg.m_bTraining = false;
-    SetItemText(dlg, IDC_START_TRAINING, "Start Training");
-    // Verification needs a network that a run finished: a stopped or failed run leaves it disabled.
     const bool normal = outcome.ending == engine::RunEnding::Normal;
-    EnableItems(dlg, normal ? kRunLockedControls : kRunUnlockedAfterStop);
+    // The worker is done with the arrays. The flag, the caption and the enable states change together on the
+    // window's thread, behind everything the run queued: a Start clicked before this runs is a Stop of this
+    // run, and one clicked after it disables the controls after this run's end has enabled them, never before.
+    platform::CallOnGui([&] {
+        dlg.m_bTraining = false;
+        SetItemText(dlg, IDC_START_TRAINING, "Start Training");
+        // Verification needs a network that a run finished: a stopped or failed run leaves it disabled.
+        EnableItems(dlg, normal ? kRunLockedControls : kRunUnlockedAfterStop);
+    });
     return normal ? 0 : 1;
 }
 
