@@ -17,6 +17,10 @@ cmake --build build-san -j2
 export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:detect_stack_use_after_return=1
 export UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1
 ctest --test-dir build-san --output-on-failure -j2
+# A slice of the random sessions (tools/session-stress.py; 10^4 of them for a full stress) and quick Start /
+# Initialization cycles, each session judged by its end.
+/usr/bin/python3 tools/session-stress.py build-san/vantrel-session --sessions "${STRESS_SESSIONS:-100}"
+/usr/bin/python3 tools/session-stress.py build-san/vantrel-session --start-init 300
 
 # Each target starts from a copy of its seed corpus, so that what it finds stays out of the source tree.
 work=$(mktemp -d)
