@@ -28,11 +28,15 @@ void AppendSection(std::vector<std::string>& block, const char* title, const CRe
     block.push_back(ValueLine(section.widths, units));
 }
 
-// A block that the file can't take is lost and the run goes on: after an open that fails the next block
-// tries again, after a write that fails (AppendToFile) nothing more is written.
+// A block that the file can't take is lost and the run goes on without saving: the training is worth its
+// curves and read-outs, and the user can stop it. The failure is told once per run. A file that misses a
+// block is incomplete, as after a write that fails (AppendToFile), and later blocks would only make it look
+// whole; and a folder that has vanished would answer every further trial with a box that holds the worker,
+// and the user, until it is closed. So the path is emptied and nothing more is written.
 void AppendBlock(CVantrelDlg& dlg, CString& path, const std::vector<std::string>& block) {
-    if (AppendToFile(dlg, path, block) == AppendResult::CannotOpen)
-        dlg.MessageBox("Open Result File Failed!", "Error", MB_ICONHAND);
+    if (AppendToFile(dlg, path, block) != AppendResult::CannotOpen) return;
+    path.Empty();
+    dlg.MessageBox("Open Result File Failed!", "Error", MB_ICONHAND);
 }
 
 CResultSection TrainedSection(const CVantrelDlg& dlg) {
