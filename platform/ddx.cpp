@@ -54,7 +54,8 @@ bool IsDecimalNumber(const std::string& t) {
     return i == t.size();
 }
 
-// The parsers store whole values: a run may be reading the field (see shared.h).
+// The parsers store whole values, and a field is shown from a whole value: a run may be reading the field, or
+// writing the one bound to a read-out (see shared.h).
 bool ParseDouble(const std::string& text, double& value) {
     const std::string t = Trimmed(text);
     if (!IsDecimalNumber(t)) return false;
@@ -95,7 +96,7 @@ void DDX_Text(CDataExchange* dx, int id, double& value) {
         if (!ParseDouble(window->Text(id), value)) Refuse(dx, "Please enter a number.");
     } else {
         char text[64];
-        std::snprintf(text, sizeof text, "%.15g", value);
+        std::snprintf(text, sizeof text, "%.15g", AfxReadShared(value));
         window->SetText(id, text);
     }
 }
@@ -106,7 +107,7 @@ void DDX_Text(CDataExchange* dx, int id, UINT& value) {
     if (dx->m_bSaveAndValidate) {
         if (!ParseUnsigned(window->Text(id), value)) Refuse(dx, "Please enter a positive integer.");
     } else {
-        window->SetText(id, std::to_string(value));
+        window->SetText(id, std::to_string(AfxReadShared(value)));
     }
 }
 

@@ -57,16 +57,23 @@ void FillSeries(CDoubleArray& series, const std::vector<double>& values) {
 
 bool CWindowSink::CreateResultFile() { return m_dlg.CreateResultFile(&m_resultPath) != 0; }
 
+// The fields bound to the read-outs follow what the run writes into them: the exchange shows the read-outs
+// but never reads them back (they are no settings), and a later showing of the fields, after Initialization
+// say, shows what the run reached.
 void CWindowSink::IterationDone(UINT iteration, double error) {
     CString text;
     text.Format("%d", static_cast<int>(iteration));
     SetItemText(m_dlg, IDC_CURRENT_ITERATIONS, text);
+    AfxWriteShared(m_dlg.m_nCurrentIteration, iteration);
     WriteNumber(m_dlg, IDC_CURRENT_PARTIAL_ERROR, "%.12f", error);
+    AfxWriteShared(m_dlg.m_dPartialError, error);
 }
 
 void CWindowSink::TimesDone(double seconds, double runSeconds) {
     WriteNumber(m_dlg, IDC_CURRENT_PARTIAL_TIME, "%.3f", seconds);
+    AfxWriteShared(m_dlg.m_dPartialTime, seconds);
     WriteNumber(m_dlg, IDC_CURRENT_TOTAL_TIME, "%.3f", runSeconds);
+    AfxWriteShared(m_dlg.m_dTotalTime, runSeconds);
 }
 
 void CWindowSink::IterationCurve(const std::vector<double>& errors) {
@@ -85,7 +92,10 @@ void CWindowSink::NetworkDone() {
     if (m_dlg.m_bClassification) FeedDataPlot(m_dlg);
 }
 
-void CWindowSink::TotalError(double error) { WriteNumber(m_dlg, IDC_CURRENT_TOTAL_ERROR, "%.12f", error); }
+void CWindowSink::TotalError(double error) {
+    WriteNumber(m_dlg, IDC_CURRENT_TOTAL_ERROR, "%.12f", error);
+    AfxWriteShared(m_dlg.m_dTotalError, error);
+}
 
 void CWindowSink::SummaryCurve(const std::vector<double>& finalErrors, UINT multiplier) {
     CDoubleArray series;

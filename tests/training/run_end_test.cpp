@@ -1,6 +1,8 @@
 // How a run's end meets the clicks that follow it: the controls that Start took come back on the window's
 // thread, once the worker is done with the arrays, so that no click can find them enabled under a run.
+#include <algorithm>
 #include <chrono>
+#include <limits>
 #include <thread>
 
 #include "platform/thread.h"
@@ -34,6 +36,34 @@ TEST_F(TrainingRun, AStartClickedAsARunEndsNeverFindsInitializationEnabledUnderT
     EXPECT_FALSE(m_dlg.m_bTraining);
     EXPECT_EQ(Text(1010), "Start Training");
     ExpectEnabled({1009, 1014, 1064, 1055}, true);
+}
+
+// A run that ended at NaN leaves "nan" in the read-outs. They are the run's, not settings: the next Start's
+// exchange of the edits must read the settings and pass over the read-outs, not refuse them.
+TEST_F(TrainingRun, ReadOutsLeftAtNaNAreNotReadBackByTheNextStart) {
+    LoadSmallProblem();
+    m_dlg.m_pWidths[0] = std::numeric_limits<double>::quiet_NaN();
+    m_dlg.m_nAlgorithm = engine::kFirstOrder;
+    m_dlg.m_bSaveResults = 1;
+    m_dlg.UpdateData(FALSE);
+    m_dlg.OnStartTraining();
+    ASSERT_TRUE(platform::PumpUntilWorkersDone(10000));
+    ASSERT_NE(Text(1025).find("nan"), std::string::npos) << "the run must have ended at NaN";
+    ASSERT_NE(Text(1026).find("nan"), std::string::npos);
+
+    m_dlg.Window()->SetText(1047, "3");
+    m_dlg.OnStartTraining();
+    ASSERT_TRUE(platform::PumpUntilWorkersDone(10000));
+    EXPECT_TRUE(Boxes().empty()) << Boxes().front();
+    EXPECT_EQ(m_dlg.m_nTrials, 3u) << "the number of trials typed must count";
+    std::vector<int> blocks;
+    for (const std::string& file : m_folder.Files("_result"))
+        blocks.push_back(Count(TempFolder::Read(file), "total iterations"));
+    std::sort(blocks.begin(), blocks.end());
+    EXPECT_EQ(blocks, (std::vector<int>{1, 3})) << "blocks of the two runs: one trial, then three";
+    m_dlg.UpdateData(FALSE);  // as Initialization ends
+    EXPECT_EQ(Text(1024), "1") << "the read-outs must keep what the run reached";
+    EXPECT_NE(Text(1025).find("nan"), std::string::npos) << Text(1025);
 }
 
 }  // namespace
