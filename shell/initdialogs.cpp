@@ -72,8 +72,11 @@ BOOL CInitializationDlg::OnInitDialog() {
     return TRUE;
 }
 
+// A value that the exchange refuses ("Please enter a number.") keeps the dialog open, as its own checks do:
+// closed, it would leave the field as it stood before, and the network would be built from a value the user
+// has just been told is wrong. The other dialogs with checks of their own do the same.
 void CInitializationDlg::OnOK() {
-    UpdateData(TRUE);
+    if (!UpdateData(TRUE)) return;
     if (m_nLoadFromFile != 0) {
         EndDialog(IDOK);  // the file path has no tests here: the file's counts are its test
         return;

@@ -119,7 +119,7 @@ void CDataSetInfoDlg::DoDataExchange(CDataExchange* dx) {
 }
 
 void CDataSetInfoDlg::OnOK() {
-    UpdateData(TRUE);
+    if (!UpdateData(TRUE)) return;
     if (m_nInputs == 0) {
         MessageBox(kNoInputs, "Error", MB_ICONHAND);
         return;
