@@ -69,16 +69,6 @@ std::string AsideName(const std::string& path, int number) {
     return path.substr(0, at) + "." + std::to_string(number) + path.substr(at);
 }
 
-bool MoveAside(const CString& path) {
-    // Far more names than a second can give; a folder that has them all taken is not one to write into.
-    constexpr int kMostNames = 100000;
-    for (int number = 1; number <= kMostNames; ++number) {
-        const int error = CFile::Rename(path, AsideName(path.str(), number).c_str());
-        if (error == 0 || error == ENOENT) return true;
-        if (error != EEXIST) return false;
-    }
-    return false;
-}
 
 bool CreateStampedFile(const char* suffix, CString& path) {
     const CTime now = CTime::GetTickCount();
@@ -86,11 +76,21 @@ bool CreateStampedFile(const char* suffix, CString& path) {
 }
 
 bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path) {
-    path = ExecutableDirectory() + TimestampedFileName(local, suffix).c_str();
-    if (!MoveAside(path)) return false;
-    CFile file;
-    if (!file.Open(path, CFile::modeCreate)) return false;
-    return file.Close() != FALSE;
+    const std::string name = (ExecutableDirectory() + TimestampedFileName(local, suffix).c_str()).str();
+    // Each name is taken by creating it exclusively, which one opener alone wins: a window that moved another's
+    // file aside, or emptied it, would mix their blocks, since a run opens its file by name for every block.
+    // Far more names than a second can give; a folder that has them all taken is not one to write into.
+    constexpr int kMostNames = 100000;
+    for (int number = 0; number <= kMostNames; ++number) {
+        const std::string candidate = number == 0 ? name : AsideName(name, number);
+        CFile file;
+        if (file.Open(candidate.c_str(), CFile::modeCreate | CFile::modeCreateNew)) {
+            path = candidate.c_str();
+            return file.Close() != FALSE;
+        }
+        if (file.GetError() != EEXIST) return false;
+    }
+    return false;
 }
 
 bool CloseWrittenFile(CWnd& owner, CFile& file, const CString& path) {

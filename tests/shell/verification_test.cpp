@@ -134,7 +134,7 @@ TEST_F(VerificationTest, TrainingAndTestingPatternsGiveOneRowEachInReadingOrder)
     EXPECT_TRUE(m_prompts.Boxes().empty());
 }
 
-// In different seconds or in one (the earlier stamped file then moves aside): two stamped files, each with its
+// In different seconds or in one (the later stamped file then takes a numbered name): two stamped files, each with its
 // press's rows, and one "output.txt" with the second press's.
 TEST_F(VerificationTest, TwoPressesLeaveTwoStampedFilesAndOneOutputTxt) {
     Workspace(1, 0, 1.0, {0.0, 0.0});
