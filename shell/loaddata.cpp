@@ -21,6 +21,20 @@ bool AllocatePatternArrays(CVantrelDlg& dlg) {
     return true;
 }
 
+// Lines that end in a bare LF (a file written on Linux) lose their last character to the scanner, which a user
+// would otherwise meet only as outputs a digit short, or as a refusal after the Data Set Information dialog:
+// the information list says so before that dialog opens, with the conversion that mends the file. The lines are
+// short, for the list cuts what is wider than itself.
+void ShowLineFeedNotice(CVantrelDlg& dlg, const CString& path) {
+    const std::string name = path.str().substr(path.str().rfind('/') + 1);
+    dlg.AppendInfo(CString("The lines of " + name + " end in LF,"));
+    dlg.AppendInfo("not CR LF: each line loses its last character,");
+    dlg.AppendInfo("so every desired output is a digit short,");
+    dlg.AppendInfo("or the file is refused as incomplete.");
+    dlg.AppendInfo("Convert it in its folder and load it again:");
+    dlg.AppendInfo(CString(CrLfConversion(name)));
+}
+
 }  // namespace
 
 void CVantrelDlg::OnLoadData() {
@@ -46,6 +60,8 @@ void CVantrelDlg::OnLoadData() {
         m_bDataLoaded = false;
         return;
     }
+
+    if (HasBareLineFeeds(text)) ShowLineFeedNotice(*this, m_strDataPath);
 
     // The old set goes before the new one is read, so that memory holds one data set at a time; the text goes
     // once its rows are read.
