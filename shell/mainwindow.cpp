@@ -134,6 +134,26 @@ void CVantrelDlg::AppendInfo(CString strLine) {
     GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_SETCURSEL, m_nInfoLines - 1);
 }
 
+void CVantrelDlg::AppendPathInfo(const char* title, const CString& path) {
+    // The list cuts what is wider than itself (some 45 characters): the folder is broken behind its slashes.
+    constexpr std::size_t kLineWidth = 44;
+    const std::string whole = path.str();
+    const std::size_t slash = whole.rfind('/') + 1;
+    AppendInfo(CString(std::string(title) + " " + whole.substr(slash)));
+    std::string line = "in ";
+    for (std::size_t at = 0; at < slash;) {
+        const std::size_t next = whole.find('/', at) + 1;
+        const std::string part = whole.substr(at, next - at);
+        if (line.size() > 3 && line.size() + part.size() > kLineWidth) {
+            AppendInfo(CString(line));
+            line = "   ";
+        }
+        line += part;
+        at = next;
+    }
+    AppendInfo(CString(line));
+}
+
 void CVantrelDlg::ClearInfo() {
     GetDlgItem(IDC_INFO_LIST)->SendMessage(LB_RESETCONTENT);
     m_nInfoLines = 0;

@@ -55,7 +55,11 @@ void FillSeries(CDoubleArray& series, const std::vector<double>& values) {
 
 }  // namespace
 
-bool CWindowSink::CreateResultFile() { return m_dlg.CreateResultFile(&m_resultPath) != 0; }
+bool CWindowSink::CreateResultFile() {
+    if (m_dlg.CreateResultFile(&m_resultPath) == 0) return false;
+    platform::CallOnGui([this] { m_dlg.AppendPathInfo("Result file:", m_resultPath); });
+    return true;
+}
 
 // The fields bound to the read-outs follow what the run writes into them: the exchange shows the read-outs
 // but never reads them back (they are no settings), and a later showing of the fields, after Initialization

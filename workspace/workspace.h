@@ -155,6 +155,9 @@ public:
     BOOL OnInitDialog() override;
     void AppendInfo(CString strLine);
     void ClearInfo();
+    // Tells in the information list where a file was written: "title NAME", then its folder on lines short
+    // enough for the list to show whole. On the window's thread.
+    void AppendPathInfo(const char* title, const CString& path);
     // Enter and Esc do not end the program: only the close box does (OnClose).
     void OnOK() override {}
     void OnCancel() override {}

@@ -150,6 +150,12 @@ TEST_F(VerificationTest, TwoPressesLeaveTwoStampedFilesAndOneOutputTxt) {
     for (const auto& [name, text] : files)
         if (name != "output.txt") stamped.insert(text);
     EXPECT_EQ(stamped, (std::multiset<std::string>{first, second}));
+    // The information list tells each file as it is written, each press both of its files.
+    const std::vector<std::string> lines = m_dlg.Window()->Items(1015);
+    for (const auto& [name, text] : files)
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), "Output file: " + name), name == "output.txt" ? 2 : 1)
+            << name;
+    EXPECT_EQ(ToldPath("Output file:"), m_dir + "/output.txt");
 }
 
 TEST_F(VerificationTest, EachRefusalLeavesBothFilesEmptyAndOpensNothing) {

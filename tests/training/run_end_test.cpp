@@ -66,4 +66,12 @@ TEST_F(TrainingRun, ReadOutsLeftAtNaNAreNotReadBackByTheNextStart) {
     EXPECT_NE(Text(1025).find("nan"), std::string::npos) << Text(1025);
 }
 
+TEST_F(TrainingRun, TheInformationListTellsTheFullPathOfTheResultFile) {
+    LoadSmallProblem();
+    m_dlg.m_bSaveResults = 1;
+    ASSERT_EQ(Run(TrainFirstOrder), 0u);
+    ASSERT_EQ(ResultFiles().size(), 1u);
+    EXPECT_EQ(ToldPath("Result file:"), ResultFiles()[0]);
+}
+
 }  // namespace
