@@ -14,22 +14,22 @@ bool TrainNewUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
     CTrainee& trainee = run.trainee;
     run.cancel.ThrowIfAbandoned();  // an abandoned run reports no further unit
     run.iteration = 0;
-    run.iterationErrors.clear();
+    run.iterationErrors.Clear();
     trainee.AddUnitAtWorstPattern();
     run.sink.UnitAdded(trainee.Units());
     double damping = kInitialDamping;
     trainee.PackParameters();
     savedHessian = AllocateSavedHessian(trainee.Step().nParams);  // the vector's length changes only with a unit
-    run.iterationErrors.push_back(trainee.ComputeOutputs());
+    run.iterationErrors.Append(trainee.ComputeOutputs());
     const CRunClock clock;
 
     for (UINT iteration = 1; iteration <= run.settings.Iterations(); ++iteration) {
         if (run.cancel.StopRequested()) return false;
         run.iteration = iteration;
         const CDampedStep step =
-            DampedIteration(trainee, kGrowthForm, savedHessian.get(), run.iterationErrors.back(), damping, run.cancel);
+            DampedIteration(trainee, kGrowthForm, savedHessian.get(), run.iterationErrors.Last(), damping, run.cancel);
         damping = step.damping;
-        run.iterationErrors.push_back(step.error);
+        run.iterationErrors.Append(step.error);
         run.sink.IterationDone(iteration, step.error);
     }
 
@@ -48,9 +48,9 @@ double FinishUnit(CRunState& run, std::unique_ptr<double[]>& savedHessian) {
     run.sink.NetworkDone();
 
     savedHessian.reset();
-    run.finalErrors.push_back(error);
+    run.finalErrors.Append(error);
     run.sink.SummaryCurve(run.finalErrors, trainee.Units() / 10 + 1);
-    const UINT iterations = static_cast<UINT>(run.iterationErrors.size() - 1);  // all of the iterations
+    const UINT iterations = static_cast<UINT>(run.iterationErrors.Count() - 1);  // all of the iterations
     if (run.settings.SaveResults()) run.sink.ResultBlock(trainee.Units(), iterations, error);
     return error;
 }

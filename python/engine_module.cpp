@@ -101,12 +101,14 @@ public:
             m_cancel.Abandon();
         }
     }
-    void IterationCurve(const std::vector<double>& errors) override {
+    // Whole curves: the run's fixed settings ask for every error (CFixedSettings::wholeCurves).
+    void IterationCurve(const engine::CErrorCurve& curve) override {
         if (!m_growing) m_errors.clear();
+        const std::vector<double> errors = curve.Errors();
         m_errors.insert(m_errors.end(), errors.begin(), errors.end());
-        m_iterations = (m_growing ? m_iterations : 0) + static_cast<UINT>(errors.size() - 1);
+        m_iterations = (m_growing ? m_iterations : 0) + static_cast<UINT>(curve.Count() - 1);
     }
-    void SummaryCurve(const std::vector<double>& finalErrors, UINT) override { m_finalErrors = finalErrors; }
+    void SummaryCurve(const engine::CErrorCurve& finalErrors, UINT) override { m_finalErrors = finalErrors.Errors(); }
 
     std::vector<double> m_errors, m_finalErrors;
     UINT m_iterations = 0;

@@ -21,15 +21,30 @@ std::vector<double> GridLine(double minValue, double maxValue, double step) {
     return line;
 }
 
+// The kept points of a curve as a plot's two series.
+void FillSeries(const engine::CErrorCurve& errors, CDoubleArray& xs, CDoubleArray& ys) {
+    const std::vector<engine::CCurvePoint> points = errors.Points();
+    xs.SetSize(static_cast<int>(points.size()));
+    ys.SetSize(static_cast<int>(points.size()));
+    for (size_t k = 0; k < points.size(); ++k) {
+        xs.SetAt(static_cast<int>(k), static_cast<double>(points[k].index) + 1.0);
+        ys.SetAt(static_cast<int>(k), points[k].error);
+    }
+}
+
 }  // namespace
 
-void FeedIterationPlot(CVantrelDlg& dlg, const CDoubleArray& errors, bool restart, int refreshMode) {
-    dlg.m_iterationPlot.AppendCurve(errors, restart);
+void FeedIterationPlot(CVantrelDlg& dlg, const engine::CErrorCurve& errors, bool restart, int refreshMode) {
+    CDoubleArray xs, ys;
+    FillSeries(errors, xs, ys);
+    dlg.m_iterationPlot.AppendCurve(xs, ys, restart);
     dlg.m_iterationPlot.RefreshIterationPlot(refreshMode);
 }
 
-void FeedSummaryPlot(CVantrelDlg& dlg, const CDoubleArray& errors, int multiplier, int mode) {
-    dlg.m_summaryPlot.SetPoints(errors);
+void FeedSummaryPlot(CVantrelDlg& dlg, const engine::CErrorCurve& errors, int multiplier, int mode) {
+    CDoubleArray xs, ys;
+    FillSeries(errors, xs, ys);
+    dlg.m_summaryPlot.SetPoints(xs, ys);
     dlg.m_summaryPlot.SetSummaryAxis(multiplier, mode);
 }
 

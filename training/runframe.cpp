@@ -45,16 +45,6 @@ UINT CWorkspaceSettings::Trials() const { return AfxReadShared(m_dlg.m_nTrials);
 
 bool CWorkspaceSettings::SaveResults() const { return AfxReadShared(m_dlg.m_bSaveResults) != 0; }
 
-namespace {
-
-// A plot takes its series as the run's growable array.
-void FillSeries(CDoubleArray& series, const std::vector<double>& values) {
-    series.SetSize(static_cast<int>(values.size()));
-    for (size_t k = 0; k < values.size(); ++k) series.SetAt(static_cast<int>(k), values[k]);
-}
-
-}  // namespace
-
 bool CWindowSink::CreateResultFile() {
     if (m_dlg.CreateResultFile(&m_resultPath) == 0) return false;
     platform::CallOnGui([this] { m_dlg.AppendPathInfo("Result file:", m_resultPath); });
@@ -80,16 +70,14 @@ void CWindowSink::TimesDone(double seconds, double runSeconds) {
     AfxWriteShared(m_dlg.m_dTotalTime, runSeconds);
 }
 
-void CWindowSink::IterationCurve(const std::vector<double>& errors) {
+void CWindowSink::IterationCurve(const engine::CErrorCurve& errors) {
     const bool oneCurve = AfxReadShared(m_dlg.m_nCurveMode) == 0;
-    CDoubleArray series;
-    FillSeries(series, errors);
     // Multiple Curves can't be chosen with the Error Correction Algorithm; any other mode draws nothing.
     if (m_errorCorrection) {
-        if (oneCurve) FeedIterationPlot(m_dlg, series, true, 2);
+        if (oneCurve) FeedIterationPlot(m_dlg, errors, true, 2);
         return;
     }
-    FeedIterationPlot(m_dlg, series, oneCurve, oneCurve ? 0 : 1);
+    FeedIterationPlot(m_dlg, errors, oneCurve, oneCurve ? 0 : 1);
 }
 
 void CWindowSink::NetworkDone() {
@@ -101,10 +89,8 @@ void CWindowSink::TotalError(double error) {
     AfxWriteShared(m_dlg.m_dTotalError, error);
 }
 
-void CWindowSink::SummaryCurve(const std::vector<double>& finalErrors, UINT multiplier) {
-    CDoubleArray series;
-    FillSeries(series, finalErrors);
-    FeedSummaryPlot(m_dlg, series, static_cast<int>(multiplier), m_errorCorrection ? 2 : 0);
+void CWindowSink::SummaryCurve(const engine::CErrorCurve& finalErrors, UINT multiplier) {
+    FeedSummaryPlot(m_dlg, finalErrors, static_cast<int>(multiplier), m_errorCorrection ? 2 : 0);
 }
 
 void CWindowSink::ResultBlock(UINT units, UINT iterations, double error) {

@@ -43,8 +43,11 @@ protected:
 class CIterationPlot : public CPlotBase {
 public:
     CIterationPlot();
-    // Appends (i + 1, errors[i]) for every error; restart empties the series first (One Curve).
-    void AppendCurve(const CDoubleArray& errors, bool restart);
+    // Appends the points (xs[i], ys[i]), a curve that starts at x = 1; restart empties the series first (One
+    // Curve). Multiple Curves keeps the latest curves up to kMostCurvePoints points in all: later curves lie
+    // over earlier ones, and a run of millions of trials would otherwise hold all of them.
+    void AppendCurve(const CDoubleArray& xs, const CDoubleArray& ys, bool restart);
+    static constexpr int kMostCurvePoints = 1 << 21;
     void ClearSeries();
     CAxisRange XRange();
     void SetXRange(const CAxisRange& range);
@@ -78,8 +81,8 @@ private:
 class CSummaryPlot : public CPlotBase {
 public:
     CSummaryPlot();
-    // The series become (i + 1, errors[i]) for every error.
-    void SetPoints(const CDoubleArray& errors);
+    // The series become the points (xs[i], ys[i]).
+    void SetPoints(const CDoubleArray& xs, const CDoubleArray& ys);
     void ClearSeries();
     CAxisRange YRange();
     void SetYRange(const CAxisRange& range);

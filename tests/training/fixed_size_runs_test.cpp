@@ -347,6 +347,32 @@ TEST_F(TrainingRun, AResultsFolderThatVanishesIsReportedOnceAndTheRunGoesOnWitho
     EXPECT_TRUE(Enabled(1038));
 }
 
+// A trial of many iterations and a run of many trials: the plots keep as many points as they can show, the
+// curve still ending at the last iteration, and the result blocks count every iteration.
+TEST_F(TrainingRun, LongTrialsAndManyTrialsKeepTheirCurvesBounded) {
+    LoadSmallProblem();
+    m_dlg.m_nIterations = 100000;
+    m_dlg.m_dDesiredError = 0.0;
+    m_dlg.m_bSaveResults = 1;
+    CScriptedTrainee method(m_dlg, [](CVantrelDlg&, int call) { return 1.0 / call; });
+    ASSERT_EQ(RunScripted(m_dlg, method), 0u);
+    const std::vector<double> x = Curve(m_dlg.m_iterationPlot.m_arrX);
+    EXPECT_LT(x.size(), 15000u);
+    EXPECT_EQ(x.front(), 1.0);
+    EXPECT_EQ(x.back(), 100001.0) << "the curve must end at the last iteration";
+    EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrY).back(), 1.0 / 100000);
+    EXPECT_EQ(Count(ResultText(), "total iterations: 100000, "), 1);
+
+    m_dlg.m_nIterations = 1;
+    m_dlg.m_nTrials = 10000;
+    m_dlg.m_bSaveResults = 0;
+    CScriptedTrainee trials(m_dlg, [](CVantrelDlg&, int call) { return 1.0 / call; });
+    ASSERT_EQ(RunScripted(m_dlg, trials), 0u);
+    const std::vector<double> summary = Curve(m_dlg.m_summaryPlot.m_arrX);
+    EXPECT_LE(summary.size(), 4100u);
+    EXPECT_EQ(summary.back(), 10000.0) << "the summary must end at the last trial";
+}
+
 TEST_F(TrainingRun, DataSetWithoutPatternsIsRefused) {
     LoadSmallProblem();
     m_dlg.m_nPatterns = 0;
