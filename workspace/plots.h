@@ -126,6 +126,15 @@ public:
     // The grid becomes the points (xs[i], ys[i]) with the network's outputs values[i].
     void SetGrid(const std::vector<double>& xs, const std::vector<double>& ys, const std::vector<double>& values);
     CPatternBounds PatternBounds();
+    // The part of the plane that the control shows, in data units, with two pixels to spare on each side: grid
+    // points beyond it fall outside the control and are clipped, never seen. The field grows by a pixel per
+    // 1.1 data units however wide the patterns spread, so a sweep of the whole field would grow with their
+    // spread; one of this part is bounded by the control's pixels. Without a window, the whole plane. Reads
+    // the control's size from the window: not to be called under the series lock.
+    struct CSeenRange {
+        double minX, maxX, minY, maxY;
+    };
+    CSeenRange SeenRange();
     // Empties all six series.
     void ClearSeries();
     // true: show the patterns, with bounds and steps computed from them; false: show the notice.
