@@ -14,14 +14,14 @@ bool TrainNewUnit(CRunState& run) {
     CTrainee& trainee = run.trainee;
     run.cancel.ThrowIfAbandoned();  // an abandoned run reports no further unit
     run.iteration = 0;
-    run.iterationErrors.clear();
+    run.iterationErrors.Clear();
     trainee.AddUnitAtWorstPattern();
     run.sink.UnitAdded(trainee.Units());
     double damping = kInitialDamping;
     trainee.PackParameters();
     CheckQuasiHessianFits(trainee.Step().nParams);  // the vector's length changes only with a unit
-    run.iterationErrors.push_back(trainee.ComputeOutputs());
-    run.sink.TrialStarted(run.iterationErrors.back());
+    run.iterationErrors.Append(trainee.ComputeOutputs());
+    run.sink.TrialStarted(run.iterationErrors.Last());
     const CDampedForm form = GrowthForm(run.settings);
     const CRunClock clock;
 
@@ -29,9 +29,9 @@ bool TrainNewUnit(CRunState& run) {
         if (run.cancel.StopRequested()) return false;
         run.iteration = iteration;
         const CDampedStep step =
-            DampedIteration(trainee, form, run.iterationErrors.back(), damping, run.cancel);
+            DampedIteration(trainee, form, run.iterationErrors.Last(), damping, run.cancel);
         damping = step.damping;
-        run.iterationErrors.push_back(step.error);
+        run.iterationErrors.Append(step.error);
         run.sink.IterationDone(iteration, step.error);
     }
 
@@ -49,9 +49,9 @@ double FinishUnit(CRunState& run) {
     run.sink.TotalError(error);
     run.sink.NetworkDone();
 
-    run.finalErrors.push_back(error);
+    run.finalErrors.Append(error);
     run.sink.SummaryCurve(run.finalErrors, trainee.Units() / 10 + 1);
-    const UINT iterations = static_cast<UINT>(run.iterationErrors.size() - 1);  // all of the iterations
+    const UINT iterations = static_cast<UINT>(run.iterationErrors.Count() - 1);  // all of the iterations
     if (run.settings.SaveResults()) run.sink.ResultBlock(trainee.Units(), iterations, error);
     return error;
 }

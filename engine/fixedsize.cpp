@@ -77,11 +77,11 @@ std::unique_ptr<CTrialMethod> MethodOf(Algorithm algorithm) {
 void StartTrial(CRunState& run, CTrialMethod& method) {
     run.iteration = 0;
     if (!run.settings.LoadFromFile()) run.trainee.InitializeNetwork();
-    run.iterationErrors.clear();
+    run.iterationErrors.Clear();
     run.trainee.PackParameters();
     method.BeginTrial(run);
-    run.iterationErrors.push_back(run.trainee.ComputeError());
-    run.sink.TrialStarted(run.iterationErrors.back());
+    run.iterationErrors.Append(run.trainee.ComputeError());
+    run.sink.TrialStarted(run.iterationErrors.Last());
 }
 
 // Iterates until the error falls below the desired one (or is NaN) or the iterations run out. false: a stop
@@ -90,8 +90,8 @@ bool IterateTrial(CRunState& run, CTrialMethod& method) {
     for (UINT iteration = 1; iteration <= run.settings.Iterations(); ++iteration) {
         if (run.cancel.StopRequested()) return false;
         run.iteration = iteration;
-        const double error = method.Iterate(run, run.iterationErrors.back());
-        run.iterationErrors.push_back(error);
+        const double error = method.Iterate(run, run.iterationErrors.Last());
+        run.iterationErrors.Append(error);
         run.sink.IterationDone(iteration, error);
         if (!(error >= run.settings.DesiredError())) break;
     }
@@ -107,9 +107,9 @@ void FinishTrial(CRunState& run, CTrialMethod& method, UINT trial, const CRunClo
     run.sink.NetworkDone();
     method.EndTrial();
 
-    const UINT last = static_cast<UINT>(run.iterationErrors.size() - 1);
-    const double error = run.iterationErrors.back();
-    run.finalErrors.push_back(error);
+    const UINT last = static_cast<UINT>(run.iterationErrors.Count() - 1);
+    const double error = run.iterationErrors.Last();
+    run.finalErrors.Append(error);
     run.errorSum += error;
     run.sink.TotalError(run.errorSum / (trial + 1.0));
     run.sink.SummaryCurve(run.finalErrors, trial / 10 + 1);

@@ -13,13 +13,15 @@ namespace engine {
 // What a run holds of its own from its start to its end.
 struct CRunState {
     CRunState(CTrainee& t, const CRunSettings& s, CProgressSink& p, const CCancelToken& c)
-        : trainee(t), settings(s), sink(p), cancel(c) {}
+        : trainee(t), settings(s), sink(p), cancel(c),
+          iterationErrors(s.WholeCurves() ? CurveKeeping::Whole : CurveKeeping::Logarithmic),
+          finalErrors(s.WholeCurves() ? CurveKeeping::Whole : CurveKeeping::Linear) {}
     CTrainee& trainee;
     const CRunSettings& settings;
     CProgressSink& sink;
     const CCancelToken& cancel;
-    std::vector<double> iterationErrors;  // this trial's or unit's: element 0 before the first iteration
-    std::vector<double> finalErrors;      // one per finished trial or unit
+    CErrorCurve iterationErrors;  // this trial's or unit's: index 0 before the first iteration
+    CErrorCurve finalErrors;      // one per finished trial or unit
     double totalTime = 0.0;               // sum of the trials' or units' times
     double errorSum = 0.0;                // sum of the trials' final errors
     UINT iteration = 0;                   // the iteration under way (0 before the first), for a failure message

@@ -8,8 +8,7 @@
 // empty default, so a sink overrides only what it shows. Calls come on the run's thread.
 #pragma once
 
-#include <vector>
-
+#include "engine/curve.h"
 #include "engine/defaults.h"
 #include "engine/network.h"
 
@@ -31,6 +30,8 @@ public:
     // try (the damping rises), and an iteration whose tries all fail ends where it began. Off, the window's
     // rules hold: a NaN error is a success, a singular matrix ends the run, and the last failed try stays.
     virtual bool NonFiniteTriesFail() const { return false; }
+    // The curves the sink gets (curve.h): every error, or as many as a plot can show. Bounded unless asked.
+    virtual bool WholeCurves() const { return false; }
 };
 
 struct CFixedSettings : CRunSettings {
@@ -44,6 +45,7 @@ struct CFixedSettings : CRunSettings {
     bool loadFromFile = false;
     bool saveResults = false;
     bool nonFiniteTriesFail = false;
+    bool wholeCurves = true;  // a caller of fixed settings hands the curves on whole
 
     Algorithm GetAlgorithm() const override { return algorithm; }
     UINT Iterations() const override { return iterations; }
@@ -55,6 +57,7 @@ struct CFixedSettings : CRunSettings {
     bool LoadFromFile() const override { return loadFromFile; }
     bool SaveResults() const override { return saveResults; }
     bool NonFiniteTriesFail() const override { return nonFiniteTriesFail; }
+    bool WholeCurves() const override { return wholeCurves; }
 };
 
 class CProgressSink {
@@ -72,14 +75,14 @@ public:
     // A trial or unit has ended: its seconds, and the run's average time per trial (fixed size) or total time
     // (Error Correction).
     virtual void TimesDone(double /*seconds*/, double /*runSeconds*/) {}
-    // The trial's or unit's error series: element 0 before the first iteration, then one per iteration.
-    virtual void IterationCurve(const std::vector<double>& /*errors*/) {}
+    // The trial's or unit's error series: index 0 before the first iteration, then one per iteration.
+    virtual void IterationCurve(const CErrorCurve& /*errors*/) {}
     // The network has ended a trial or unit: what is drawn of it (the decision regions) can be drawn anew.
     virtual void NetworkDone() {}
     // The average final error over the trials so far (fixed size), or the grown network's error.
     virtual void TotalError(double /*error*/) {}
     // One final error per finished trial or unit; multiplier: the summary axis's tens (count / 10 + 1).
-    virtual void SummaryCurve(const std::vector<double>& /*finalErrors*/, UINT /*multiplier*/) {}
+    virtual void SummaryCurve(const CErrorCurve& /*finalErrors*/, UINT /*multiplier*/) {}
     // When saving: the block of a finished trial or unit.
     virtual void ResultBlock(UINT /*units*/, UINT /*iterations*/, double /*error*/) {}
 };

@@ -1,12 +1,35 @@
 // The data set file and every file of patterns: the shape of a text and its rows.
 #include "files/datafile.h"
 
+#include <cctype>
 #include <climits>
+#include <cstring>
 #include <new>
 #include <string>
 
 #include "files/scanner.h"
 #include "engine/memory.h"
+
+bool HasBareLineFeeds(std::string_view text) {
+    for (std::size_t at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1))
+        if (at == 0 || text[at - 1] != '\r') return true;
+    return false;
+}
+
+std::string CrLfConversion(std::string_view fileName) {
+    bool plain = !fileName.empty();
+    for (char c : fileName)
+        plain = plain && (std::isalnum(static_cast<unsigned char>(c)) || (c != '\0' && std::strchr("._-+/", c)));
+    std::string name;
+    if (plain) {
+        name = fileName;
+    } else {
+        name = "'";
+        for (char c : fileName) name += c == '\'' ? std::string("'\\''") : std::string(1, c);
+        name += "'";
+    }
+    return "sed -i 's/\\r*$/\\r/' " + name;
+}
 
 CDataSetShape MeasureDataSet(std::string_view text) {
     CDataSetShape shape;
@@ -82,6 +105,7 @@ DataSetStatus ReadDataSet(const char* path, CPatternRows& rows) {
     if (read != ReadTextResult::Ok)
         return read == ReadTextResult::CannotOpen ? DataSetStatus::CannotOpen : DataSetStatus::TextTooLarge;
     const bool fits = ReadPatterns(text, rows);
+    rows.bareLineFeeds = HasBareLineFeeds(text);
     if (rows.shape.patterns > UINT_MAX || rows.shape.columns > UINT_MAX) {
         rows = CPatternRows();
         return DataSetStatus::CountsTooLarge;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -18,6 +19,14 @@ inline constexpr const char* kDataSetTooLarge = "Data set is too large to load!"
 inline constexpr const char* kDataFileIncomplete = "Data file is incompleted!";
 inline constexpr const char* kNoPatterns = "Data file holds no patterns!";
 inline constexpr const char* kNoInputs = "Number of Inputs Should Be Larger Than Zero";
+
+// True when a line of text ends in a bare LF, without the CR before it: the scanner then reads one character
+// short at the end of each such line (a desired output loses its last digit).
+bool HasBareLineFeeds(std::string_view text);
+
+// The one-line conversion to CR LF line ends, for a file of that name in the working directory; lines that
+// end in CR LF already stay as they are. The name is quoted for the shell where it needs it.
+std::string CrLfConversion(std::string_view fileName);
 
 struct CDataSetShape {
     std::size_t patterns = 0;  // rows of the text
@@ -40,6 +49,7 @@ struct CPatternRows {
     std::vector<double> inputs;   // shape.patterns x nInputs
     std::vector<double> targets;  // shape.patterns desired outputs
     std::size_t values = 0;       // values read, stored or not: (nInputs + 1) x shape.patterns for a whole file
+    bool bareLineFeeds = false;   // a line of the text ends in LF without CR (HasBareLineFeeds)
 };
 
 // The one reader of files of patterns: the data set, the testing file of Verification and the new data of

@@ -43,16 +43,6 @@ std::string AsideName(const std::string& path, int number) {
     return path.substr(0, at) + "." + std::to_string(number) + path.substr(at);
 }
 
-int MoveAside(const CString& path) {
-    // Far more names than a second can give; a folder that has them all taken is not one to write into.
-    constexpr int kMostNames = 100000;
-    for (int number = 1; number <= kMostNames; ++number) {
-        const int error = CFile::Rename(path, AsideName(path.str(), number).c_str());
-        if (error == 0 || error == ENOENT) return 0;
-        if (error != EEXIST) return error;
-    }
-    return EEXIST;
-}
 
 bool CreateStampedFile(const char* suffix, CString& path, int& error) {
     const CTime now = CTime::GetTickCount();
@@ -60,14 +50,29 @@ bool CreateStampedFile(const char* suffix, CString& path, int& error) {
 }
 
 bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path, int& error) {
-    path = AfxWrittenFilesDirectory(error) + TimestampedFileName(local, suffix).c_str();
+    const std::string name = (AfxWrittenFilesDirectory(error) + TimestampedFileName(local, suffix).c_str()).str();
     if (error != 0) return false;
-    error = MoveAside(path);
-    if (error != 0) return false;
-    CFile file;
-    const bool created = file.Open(path, CFile::modeCreate) && file.Close();
-    error = file.GetError();
-    return created;
+    // Each name is taken by creating it exclusively, which one opener alone wins: a window that moved another's
+    // file aside, or emptied it, would mix their blocks, since a run opens its file by name for every block.
+    // Far more names than a second can give; a folder that has them all taken is not one to write into.
+    constexpr int kMostNames = 100000;
+    for (int number = 0; number <= kMostNames; ++number) {
+        const std::string candidate = number == 0 ? name : AsideName(name, number);
+        CFile file;
+        if (file.Open(candidate.c_str(), CFile::modeCreate | CFile::modeCreateNew)) {
+            path = candidate.c_str();
+            const bool closed = file.Close() != FALSE;
+            error = file.GetError();
+            return closed;
+        }
+        error = file.GetError();
+        if (error != EEXIST) {
+            path = candidate.c_str();
+            return false;
+        }
+    }
+    path = name.c_str();
+    return false;
 }
 
 CString WriteFailureLine(const CString& path, int error) {

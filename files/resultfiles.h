@@ -26,16 +26,12 @@ std::string TimestampedFileName(const struct tm& local, const char* suffix);
 // "NAME.N.EXT" for the path "NAME.EXT" (or "NAME.N" when it has no extension).
 std::string AsideName(const std::string& path, int number);
 
-// Moves a file at path aside to the first free AsideName, N counting from 1, so that what it holds is kept
-// when path is created anew: the higher N, the later the file was made. 0 when path is free now (also when
-// there was no file); else the system's error number of the move that failed.
-int MoveAside(const CString& path);
-
 // The one maker of stamped files: creates an empty file in AfxWrittenFilesDirectory, named from the local
-// time of its creation by TimestampedFileName, and fills path. A file of that name (a run in the same second,
-// or another moment whose unpadded digits read alike) is moved aside first, and nothing a user kept is
-// emptied. False when the file could not be created, or the one there could not be moved; error then
-// receives the system's error number.
+// time of its creation by TimestampedFileName, and fills path. When that name is taken (a run in the same
+// second, in this window or another beside the same program, or another moment whose unpadded digits read
+// alike), the file gets the first free AsideName, N counting from 1: the higher N, the later the file, and
+// nothing a user kept is emptied or moved. False when no file could be created; error then receives the
+// system's error number.
 bool CreateStampedFile(const char* suffix, CString& path, int& error);
 // The same for the moment local.
 bool CreateStampedFile(const char* suffix, const struct tm& local, CString& path, int& error);

@@ -54,7 +54,8 @@ bool IsDecimalNumber(const std::string& t) {
     return i == t.size();
 }
 
-// The parsers store whole values: a run may be reading the field (see shared.h).
+// The parsers store whole values, and a field is shown from a whole value: a run may be reading the field, or
+// writing the one bound to a read-out (see shared.h).
 bool ParseDouble(const std::string& text, double& value) {
     const std::string t = Trimmed(text);
     if (!IsDecimalNumber(t)) return false;
@@ -106,7 +107,7 @@ void ExchangeNumber(CDataExchange* dx, int id, Number& value, bool (*parse)(cons
     if (dx->m_bSaveAndValidate) {
         if (!parse(window->Text(id), value)) Refuse(dx, prompt);
     } else {
-        window->SetText(id, show(value));
+        window->SetText(id, show(AfxReadShared(value)));
     }
 }
 

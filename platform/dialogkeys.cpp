@@ -1,6 +1,6 @@
 // The keyboard and the right button of a dialog window, as its template's styles say: WS_TABSTOP makes a Tab
-// stop, a radio group is one stop whose arrow keys move the check, F1 (and Alt+Space) and a right click on
-// the background open the system menu.
+// stop, a radio group is one stop whose arrow keys move the check, F1 (and Alt+Space) open the system menu,
+// and a right click goes to the dialog's handler.
 #include <QAbstractButton>
 #include <QApplication>
 #include <QKeyEvent>
@@ -109,23 +109,12 @@ void DialogWindow::MoveInRadioGroup(int id, int step) {
     ClickControl(target);
 }
 
+// The dialog's handler decides what a right click shows (the plots' menus); elsewhere it opens no menu. The
+// system menu stays on F1 and Alt+Space.
 void DialogWindow::RightClickAt(const QPoint& point) {
     AfxMessage message{WM_RBUTTONDOWN};
     message.point = CPoint(point.x(), point.y());
     Deliver(message);
-    if (!OnPicture(point)) ShowSystemMenu(m_content->mapToGlobal(point));
-}
-
-bool DialogWindow::OnPicture(const QPoint& point) const {
-    // Controls that draw themselves (the plots) are statics with an ID and no caption; the dialog's handler
-    // gives them their own menus.
-    for (int i = 0; i < m_template.controlCount; ++i) {
-        const ControlTemplate& control = m_template.controls[i];
-        if (control.kind == ControlKind::Static && control.id > 0 && control.caption == nullptr &&
-            m_widgets[i]->geometry().contains(point))
-            return true;
-    }
-    return false;
 }
 
 bool DialogWindow::PressKey(const std::string& sequence) {

@@ -98,10 +98,8 @@ private:
     int IndexOf(const QWidget* widget) const;
     bool IsTabStop(int index) const;
     void MoveInRadioGroup(int id, int step);
-    // A right click at a point of the controls' surface: the dialog's handler hears it; off the pictures that draw
-    // themselves it opens the system menu.
+    // A right click at a point of the controls' surface: the dialog's handler hears it, and nothing else.
     void RightClickAt(const QPoint& point);
-    bool OnPicture(const QPoint& point) const;
 
     // Assistive technology (accessibility.cpp): names from the labels, roles from the kinds.
     void SetUpAccessibility();

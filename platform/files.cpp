@@ -21,7 +21,7 @@ namespace {
 int OpenFlagsFor(UINT flags) {
     const bool readWrite = (flags & CFile::modeReadWrite) != 0;
     int os = readWrite ? O_RDWR : (flags & (CFile::modeWrite | CFile::modeCreate)) ? O_WRONLY : O_RDONLY;
-    if (flags & CFile::modeCreate) os |= O_CREAT | O_TRUNC;
+    if (flags & CFile::modeCreate) os |= (flags & CFile::modeCreateNew) ? O_CREAT | O_EXCL : O_CREAT | O_TRUNC;
     return os | O_CLOEXEC | O_NONBLOCK;
 }
 }  // namespace
@@ -31,15 +31,6 @@ CFile::~CFile() { Close(); }
 BOOL CFile::Fail() {
     m_nError = errno != 0 ? errno : EIO;
     return FALSE;
-}
-
-int CFile::Rename(LPCTSTR oldName, LPCTSTR newName) {
-    if (renameat2(AT_FDCWD, oldName, AT_FDCWD, newName, RENAME_NOREPLACE) == 0) return 0;
-    if (errno != EINVAL && errno != ENOSYS) return errno;
-    // A file system that can't rename without replacing: a second link that fails on a taken name, then the
-    // old name goes.
-    if (::link(oldName, newName) != 0) return errno;
-    return ::unlink(oldName) == 0 ? 0 : errno;
 }
 
 BOOL CFile::Open(LPCTSTR path, UINT flags) {

@@ -9,7 +9,11 @@
 
 class CFile {
 public:
-    enum OpenFlags : UINT { modeRead = 0x0, modeWrite = 0x1, modeReadWrite = 0x2, modeCreate = 0x1000 };
+    // modeCreateNew: with modeCreate, the open fails (GetError() EEXIST) when the file exists, as the desktop's
+    // CREATE_NEW: of two openers of one name, in one process or two, exactly one gets it.
+    enum OpenFlags : UINT {
+        modeRead = 0x0, modeWrite = 0x1, modeReadWrite = 0x2, modeCreate = 0x1000, modeCreateNew = 0x10000
+    };
     enum SeekPosition : UINT { begin = 0, current = 1, end = 2 };
 
     CFile() = default;
@@ -35,10 +39,6 @@ public:
     // A seek to the end right behind this object's own writes stays where it is: no other writer appends to a
     // file while it is open here, so the end is known.
     long long Seek(long long offset, UINT from);
-    // Gives the file oldName the name newName, which must be free: as with the desktop's MoveFile, a file that
-    // has that name already is never replaced. 0 when done, else the system's error number (EEXIST: newName is
-    // taken; ENOENT: there is no oldName).
-    static int Rename(LPCTSTR oldName, LPCTSTR newName);
     // The system's error number of the last operation that failed; 0 when none has.
     int GetError() const { return m_nError; }
 

@@ -46,7 +46,7 @@ public:
     void UnitAdded(engine::UINT units) override { m_units = units; }
     void TotalError(double error) override { m_unitError = error; }
     void NetworkDone() override;
-    void SummaryCurve(const std::vector<double>& errors, engine::UINT) override { finalErrors = errors; }
+    void SummaryCurve(const engine::CErrorCurve& errors, engine::UINT) override { finalErrors = errors.Errors(); }
 
     // Puts the network of the lowest held-out error back into the store, when one was followed.
     void KeepBest();

@@ -5,41 +5,13 @@
 
 #include "shell/plotaxes.h"
 #include "shell/plots.h"
-
-using plotaxes::ClampPixel;
+#include "workspace/fieldaxis.h"
 
 namespace {
 
 constexpr COLORREF kField = RGB(0xC5, 0xC5, 0xC5);
 constexpr COLORREF kAbove = RGB(0xFF, 0xFF, 0x00);
 constexpr COLORREF kAtOrBelow = RGB(0x00, 0xFF, 0xFF);
-
-// One axis of the field: its size in pixels and the offset of a value from the axis's minimum.
-struct FieldAxis {
-    FieldAxis(double minimum, double maximum, double step) : min(minimum), extent(maximum - minimum) {
-        // A step that is not a positive number cannot come from ComputeStep; should a feeder leave one, the
-        // axis maps one unit to one pixel.
-        scaleStep = step > 0.0 && std::isfinite(step) ? step : 1.0;
-        size = std::isfinite(extent) ? ClampPixel(extent / scaleStep) : 0;
-    }
-
-    // False for a value that is not a finite number: it has no place on the field.
-    bool Offset(double value, long* offset) const {
-        if (!std::isfinite(value)) return false;
-        // An axis of zero extent (one pattern, or an input that never changes) has no divisor: it maps by
-        // its step, so the value sits at the middle of the control with the grid's steps around it.
-        if (extent == 0.0 || !std::isfinite(extent) || size == 0)
-            *offset = ClampPixel((value - min) / scaleStep);
-        else
-            *offset = ClampPixel((value - min) * size / extent);
-        return true;
-    }
-
-    double min;
-    double extent;
-    double scaleStep;
-    long size;
-};
 
 void DrawNotice(CDC* dc, const RECT& rc) {
     dc->SetBkMode(TRANSPARENT);

@@ -2,6 +2,7 @@
 // Algorithm's dialog (the largest number of units).
 #include "workspace/dialogs.h"
 
+#include "platform/dialoglink.h"
 #include "shell/initialization.h"
 
 namespace {
@@ -14,6 +15,24 @@ constexpr int kManualControls[] = {IDC_INPUT_WEIGHTS_RANDOM,  IDC_INPUT_WEIGHTS_
 constexpr int kGroupEdits[] = {IDC_INPUT_WEIGHTS_LOWER,  IDC_INPUT_WEIGHTS_UPPER,  IDC_INPUT_WEIGHTS_VALUE,
                                IDC_OUTPUT_WEIGHTS_LOWER, IDC_OUTPUT_WEIGHTS_UPPER, IDC_OUTPUT_WEIGHTS_VALUE,
                                IDC_WIDTHS_LOWER,         IDC_WIDTHS_UPPER,         IDC_WIDTHS_VALUE};
+
+// What a screen reader calls each edit of a parameter group: its row and its column. The labels beside them
+// ("and", and the group names above their rows) would name them "and" or after another row.
+struct CNamedEdit {
+    int id;
+    const char* name;
+};
+constexpr CNamedEdit kGroupEditNames[] = {
+    {IDC_INPUT_WEIGHTS_LOWER, "Input Weights: lower bound"},
+    {IDC_INPUT_WEIGHTS_UPPER, "Input Weights: upper bound"},
+    {IDC_INPUT_WEIGHTS_VALUE, "Input Weights: fixed value"},
+    {IDC_OUTPUT_WEIGHTS_LOWER, "Output Weights: lower bound"},
+    {IDC_OUTPUT_WEIGHTS_UPPER, "Output Weights: upper bound"},
+    {IDC_OUTPUT_WEIGHTS_VALUE, "Output Weights: fixed value"},
+    {IDC_WIDTHS_LOWER, "Widths: lower bound"},
+    {IDC_WIDTHS_UPPER, "Widths: upper bound"},
+    {IDC_WIDTHS_VALUE, "Widths: fixed value"},
+};
 
 // Controls exist only while the dialog has its window; without one these do nothing.
 void EnableItem(const CWnd& dlg, int id, bool enable) {
@@ -68,12 +87,17 @@ void CInitializationDlg::DoDataExchange(CDataExchange* dx) {
 
 BOOL CInitializationDlg::OnInitDialog() {
     CDialog::OnInitDialog();
+    if (platform::DialogControls* window = Window())
+        for (const CNamedEdit& edit : kGroupEditNames) window->SetAccessibleName(edit.id, edit.name);
     ApplyEnableRules();
     return TRUE;
 }
 
+// A value that the exchange refuses ("Please enter a number.") keeps the dialog open, as its own checks do:
+// closed, it would leave the field as it stood before, and the network would be built from a value the user
+// has just been told is wrong. The other dialogs with checks of their own do the same.
 void CInitializationDlg::OnOK() {
-    UpdateData(TRUE);
+    if (!UpdateData(TRUE)) return;
     if (m_nLoadFromFile != 0) {
         EndDialog(IDOK);  // the file path has no tests here: the file's counts are its test
         return;

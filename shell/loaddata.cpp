@@ -53,6 +53,20 @@ bool StorePatterns(CVantrelDlg& dlg, const CPatternRows& rows, DataSetStatus sta
     return true;
 }
 
+// Lines that end in a bare LF (a file written on Linux) lose their last character to the scanner, which a user
+// would otherwise meet only as outputs a digit short, or as a refusal after the Data Set Information dialog:
+// the information list says so before that dialog opens, with the conversion that mends the file. The lines are
+// short, for the list cuts what is wider than itself.
+void ShowLineFeedNotice(CVantrelDlg& dlg, const CString& path) {
+    const std::string name = path.str().substr(path.str().rfind('/') + 1);
+    dlg.AppendInfo(CString("The lines of " + name + " end in LF,"));
+    dlg.AppendInfo("not CR LF: each line loses its last character,");
+    dlg.AppendInfo("so every desired output is a digit short,");
+    dlg.AppendInfo("or the file is refused as incomplete.");
+    dlg.AppendInfo("Convert it in its folder and load it again:");
+    dlg.AppendInfo(CString(CrLfConversion(name)));
+}
+
 }  // namespace
 
 void CVantrelDlg::OnLoadData() {
@@ -78,6 +92,7 @@ void CVantrelDlg::OnLoadData() {
         ShowError(*this, DataSetMessage(status));
         return;
     }
+    if (rows.bareLineFeeds) ShowLineFeedNotice(*this, m_strDataPath);
     AskDataSetType(*this, rows);
     if (!StorePatterns(*this, rows, status)) {
         ShowError(*this, kDataSetTooLarge);
@@ -115,7 +130,7 @@ void CDataSetInfoDlg::DoDataExchange(CDataExchange* dx) {
 }
 
 void CDataSetInfoDlg::OnOK() {
-    UpdateData(TRUE);
+    if (!UpdateData(TRUE)) return;
     if (m_nInputs == 0) {
         MessageBox(kNoInputs, "Error", MB_ICONHAND);
         return;

@@ -87,15 +87,20 @@ void CVantrelDlg::DoDataExchange(CDataExchange* dx) {
     DDX_Control(dx, IDC_ITERATION_PLOT, m_iterationPlot);
     DDX_Text(dx, IDC_DESIRED_AVERAGE_ERROR, m_dDesiredError);
     DDX_Text(dx, IDC_NUMBER_OF_ITERATIONS, m_nIterations);
-    DDX_Text(dx, IDC_CURRENT_TRAINING_SET, m_strDataTitle);
-    DDX_Text(dx, IDC_CURRENT_ITERATIONS, m_nCurrentIteration);
-    DDX_Text(dx, IDC_CURRENT_PARTIAL_ERROR, m_dPartialError);
-    DDX_Text(dx, IDC_CURRENT_PARTIAL_TIME, m_dPartialTime);
-    // Edit 1023 is read-only and a run writes it after m_nUnits has changed: reading it back could only set
-    // the count of a growing network to a value the window has not caught up with yet.
-    if (!dx->m_bSaveAndValidate) DDX_Text(dx, IDC_CURRENT_RBF_UNITS, m_nUnits);
-    DDX_Text(dx, IDC_CURRENT_TOTAL_ERROR, m_dTotalError);
-    DDX_Text(dx, IDC_CURRENT_TOTAL_TIME, m_dTotalTime);
+    // The read-only edits 1023 to 1029 show what a load or a run wrote; they are no settings, and are shown but
+    // never read back. Read back, a text a run left ("nan" after a run that ended at NaN) would prompt for a
+    // number the user never typed and end the exchange before the settings behind it were read; and edit 1023,
+    // which a run writes after m_nUnits has changed, could only set the count of a growing network to a value
+    // the window has not caught up with yet.
+    if (!dx->m_bSaveAndValidate) {
+        DDX_Text(dx, IDC_CURRENT_TRAINING_SET, m_strDataTitle);
+        DDX_Text(dx, IDC_CURRENT_ITERATIONS, m_nCurrentIteration);
+        DDX_Text(dx, IDC_CURRENT_PARTIAL_ERROR, m_dPartialError);
+        DDX_Text(dx, IDC_CURRENT_PARTIAL_TIME, m_dPartialTime);
+        DDX_Text(dx, IDC_CURRENT_RBF_UNITS, m_nUnits);
+        DDX_Text(dx, IDC_CURRENT_TOTAL_ERROR, m_dTotalError);
+        DDX_Text(dx, IDC_CURRENT_TOTAL_TIME, m_dTotalTime);
+    }
     DDX_Text(dx, IDC_NUMBER_OF_TRIALS, m_nTrials);
     DDX_Check(dx, IDC_ONLINE_TRAINING, m_bOnline);
     DDX_Check(dx, IDC_SAVE_TRAINING_RESULTS, m_bSaveResults);

@@ -1,5 +1,7 @@
 #include "shell/plotaxes.h"
 
+#include "workspace/fieldaxis.h"
+
 #include <cmath>
 
 namespace plotaxes {
@@ -18,9 +20,6 @@ void NamePlot(CWnd& plot, const CString& title) {
 }
 
 namespace {
-
-// Pixels beyond this distance are all alike: far outside any surface, still a safe int.
-constexpr double kFarPixels = 1.0e6;
 
 void Line(CDC* dc, long x0, long y0, long x1, long y1) {
     dc->MoveTo(static_cast<int>(x0), static_cast<int>(y0));
@@ -124,8 +123,6 @@ RECT DrawCurveAxes(CDC* dc, const RECT& c, const CString& title, int decades, do
 }
 
 void VerticalLine(CDC* dc, const RECT& frame, long x) { Line(dc, x, frame.top, x, frame.bottom); }
-
-long ClampPixel(double at) { return static_cast<long>(std::fmax(-kFarPixels, std::fmin(kFarPixels, at))); }
 
 bool AxisPixel(double origin, double length, double value, double low, double high, long* pixel) {
     double span = high - low;

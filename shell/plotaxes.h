@@ -42,9 +42,6 @@ RECT DrawCurveAxes(CDC* dc, const RECT& c, const CString& title, int decades, do
 // A line of the x axis's grid at x, from the frame's top to its bottom, with the pen that is selected.
 void VerticalLine(CDC* dc, const RECT& frame, long x);
 
-// A coordinate truncated to a pixel. Coordinates far outside any surface are all alike: they are clamped to
-// one far off, which is still a safe int.
-long ClampPixel(double at);
 // origin + length * (value - low) / (high - low), truncated to a pixel. A range of zero extent, or one that
 // is not a number, is taken as one unit centred on low, so that the mapping always has a divisor. False
 // when the result is not a number; results far outside any surface are clamped.

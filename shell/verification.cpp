@@ -108,6 +108,8 @@ void CVantrelDlg::OnVerification() {
         ShowError(*this, "Create File Failed!");
         return;
     }
+    AppendPathInfo("Output file:", stampedPath);
+    AppendPathInfo("Output file:", outputPath);
     CFile stamped;
     CFile output;
     if (!stamped.Open(stampedPath, CFile::modeWrite)) {

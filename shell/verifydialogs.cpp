@@ -19,7 +19,7 @@ void CTest2DDlg::DoDataExchange(CDataExchange* dx) {
 }
 
 void CTest1DDlg::OnOK() {
-    UpdateData(TRUE);
+    if (!UpdateData(TRUE)) return;
     if (!(m_dMaxValue > m_dMinValue)) {
         MessageBox("Maximum value should be larger than minimum value!", "Error", MB_ICONHAND);
         return;
@@ -32,7 +32,7 @@ void CTest1DDlg::OnOK() {
 }
 
 void CTest2DDlg::OnOK() {
-    UpdateData(TRUE);
+    if (!UpdateData(TRUE)) return;
     if (!(m_dMaxX > m_dMinX)) {
         MessageBox("X: maximum value should be larger than minimum value!", "Error", MB_ICONHAND);
         return;

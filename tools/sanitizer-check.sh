@@ -28,6 +28,10 @@ for program in build-san/tests/test_*; do
 done
 [ "$judged" != 0 ] || { echo "no test program in build-san/tests" >&2; exit 1; }
 [ "$failed" = 0 ] || { echo "a test program did not pass: its verdict is above" >&2; exit 1; }
+# A slice of the random sessions (tools/session-stress.py; 10^4 of them for a full stress) and quick Start /
+# Initialization cycles, each session judged by its end.
+/usr/bin/python3 tools/session-stress.py build-san/vantrel-session --sessions "${STRESS_SESSIONS:-100}"
+/usr/bin/python3 tools/session-stress.py build-san/vantrel-session --start-init 300
 
 # Each target starts from a copy of its seed corpus, so that what it finds stays out of the source tree.
 work=$(mktemp -d)

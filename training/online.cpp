@@ -8,7 +8,6 @@
 
 #include "files/datafile.h"
 #include "files/scanner.h"
-#include "platform/thread.h"
 #include "training/training.h"
 #include "workspace/blocks.h"
 
@@ -45,9 +44,10 @@ bool NetworkFitsPatterns(const CVantrelDlg& dlg) {
 
 void CVantrelDlg::OnOnlineTraining() {
     // The box has already flipped when this runs. During a run, and after Stop until the worker has finished
-    // its iteration, the patterns, outputs and counts that the worker reads must stay as they are, and the
-    // controls it locked must stay locked: the click is refused and the box goes back to how it stood.
-    if (m_bTraining || AfxRunningWorkers() > 0) {
+    // its iteration (m_bTraining is cleared only then), the patterns, outputs and counts that the worker reads
+    // must stay as they are, and the controls it locked must stay locked: the click is refused and the box
+    // goes back to how it stood.
+    if (m_bTraining) {
         m_btnOnline.SendMessage(BM_SETCHECK, m_bOnline != 0 ? BST_CHECKED : BST_UNCHECKED);
         MessageBox(kRunUnderWay, "Error", MB_ICONHAND);
         return;

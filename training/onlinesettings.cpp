@@ -23,7 +23,7 @@ void COnlineSettingsDlg::OnBrowse() {
 }
 
 void COnlineSettingsDlg::OnOK() {
-    UpdateData(TRUE);
+    if (!UpdateData(TRUE)) return;
     if (m_nExtraUnits == 0) {
         MessageBox("Number of Extea RBF Units Should Be Larger Than Zero!", "Error", MB_ICONHAND);
         return;

@@ -49,10 +49,10 @@ public:
     void IterationDone(UINT iteration, double error) override;
     void UnitAdded(UINT units) override;
     void TimesDone(double seconds, double runSeconds) override;
-    void IterationCurve(const std::vector<double>& errors) override;
+    void IterationCurve(const engine::CErrorCurve& errors) override;
     void NetworkDone() override;
     void TotalError(double error) override;
-    void SummaryCurve(const std::vector<double>& finalErrors, UINT multiplier) override;
+    void SummaryCurve(const engine::CErrorCurve& finalErrors, UINT multiplier) override;
     void ResultBlock(UINT units, UINT iterations, double error) override;
 
 private:
@@ -61,11 +61,11 @@ private:
     CString m_resultPath;
 };
 
-// Feeding the plots. Each rebuilds its plot's series under the plot's lock and refreshes after releasing it.
-// FeedIterationPlot empties the curve first when restart is set (One Curve, and the Error Correction
-// Algorithm), else appends a further curve.
-void FeedIterationPlot(CVantrelDlg& dlg, const CDoubleArray& errors, bool restart, int refreshMode);
-void FeedSummaryPlot(CVantrelDlg& dlg, const CDoubleArray& errors, int multiplier, int mode);
+// Feeding the plots. Each rebuilds its plot's series under the plot's lock and refreshes after releasing it; an
+// error of index i is drawn at x = i + 1. FeedIterationPlot empties the curve first when restart is set (One
+// Curve, and the Error Correction Algorithm), else appends a further curve.
+void FeedIterationPlot(CVantrelDlg& dlg, const engine::CErrorCurve& errors, bool restart, int refreshMode);
+void FeedSummaryPlot(CVantrelDlg& dlg, const engine::CErrorCurve& errors, int multiplier, int mode);
 void FeedDataPlot(CVantrelDlg& dlg);
 
 // Online training goes on from the grown network only while the data set has the inputs and patterns that

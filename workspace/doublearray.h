@@ -13,6 +13,8 @@ public:
     int GetSize() const { return m_nSize; }
     double GetAt(int index) const { return m_pData[index]; }
     void SetAt(int index, double value) { m_pData[index] = value; }
+    double* GetData() { return m_pData; }
+    const double* GetData() const { return m_pData; }
     // Appends one element and returns its index.
     int Add(double value);
     // New elements read 0.0; kept elements keep their values. Size 0 frees the block; shrinking to any

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "workspace/fieldaxis.h"
 #include "workspace/plots.h"
 
 namespace {
@@ -155,4 +156,21 @@ double CDataPlot::ComputeStep(double range) {
     // Below the smallest normal double a - a / 10 stops shrinking; a range that small stops there.
     while (range / a <= 250.0 && a > std::numeric_limits<double>::min()) a = a - a / 10;
     return a + a / 10;
+}
+
+CDataPlot::CSeenRange CDataPlot::SeenRange() {
+    constexpr double kAll = std::numeric_limits<double>::infinity();
+    RECT rc{};
+    GetClientRect(&rc);
+    const long width = rc.right - rc.left;
+    const long height = rc.bottom - rc.top;
+    if (width <= 0 || height <= 0) return CSeenRange{-kAll, kAll, -kAll, kAll};
+    auto lock = SeriesLock();
+    const FieldAxis ax(m_dMinX, m_dMaxX, m_dStepX);
+    const FieldAxis ay(m_dMinY, m_dMaxY, m_dStepY);
+    // As the paint maps a point: column rc.left + mx + dx, row rc.bottom - my - dy.
+    const long mx = (width - ax.size) / 2;
+    const long my = (height - ay.size) / 2;
+    return CSeenRange{ax.ValueAt(-mx - 2.0), ax.ValueAt(width - mx + 2.0), ay.ValueAt(-my - 2.0),
+                      ay.ValueAt(height - my + 2.0)};
 }

@@ -71,8 +71,11 @@ protected:
 class CIterationPlot : public CCurvePlot {
 public:
     CIterationPlot();
-    // Appends (i + 1, errors[i]) for every error; restart empties the series first (One Curve).
-    void AppendCurve(const CDoubleArray& errors, bool restart);
+    // Appends the points (xs[i], ys[i]), a curve that starts at x = 1; restart empties the series first (One
+    // Curve). Multiple Curves keeps the latest curves up to kMostCurvePoints points in all: later curves lie
+    // over earlier ones, and a run of millions of trials would otherwise hold all of them.
+    void AppendCurve(const CDoubleArray& xs, const CDoubleArray& ys, bool restart);
+    static constexpr int kMostCurvePoints = 1 << 21;
     CAxisRange XRange();
     void SetXRange(const CAxisRange& range);
     // Sets the mode, widens (modes 0, 1) or fits (mode 2) the ranges to the series, repaints.
@@ -88,8 +91,8 @@ private:
 class CSummaryPlot : public CCurvePlot {
 public:
     CSummaryPlot();
-    // The series become (i + 1, errors[i]) for every error.
-    void SetPoints(const CDoubleArray& errors);
+    // The series become the points (xs[i], ys[i]).
+    void SetPoints(const CDoubleArray& xs, const CDoubleArray& ys);
     int Multiplier();
     void SetMultiplier(int nMultiplier);
     // Sets multiplier and mode, widens the y range to the series, repaints.
@@ -115,6 +118,15 @@ public:
     // The grid becomes the points (xs[i], ys[i]) with the network's outputs values[i].
     void SetGrid(const std::vector<double>& xs, const std::vector<double>& ys, const std::vector<double>& values);
     CPatternBounds PatternBounds();
+    // The part of the plane that the control shows, in data units, with two pixels to spare on each side: grid
+    // points beyond it fall outside the control and are clipped, never seen. The field grows by a pixel per
+    // 1.1 data units however wide the patterns spread, so a sweep of the whole field would grow with their
+    // spread; one of this part is bounded by the control's pixels. Without a window, the whole plane. Reads
+    // the control's size from the window: not to be called under the series lock.
+    struct CSeenRange {
+        double minX, maxX, minY, maxY;
+    };
+    CSeenRange SeenRange();
     // Empties all six series.
     void ClearSeries();
     // true: show the patterns, with bounds and steps computed from them; false: show the notice.

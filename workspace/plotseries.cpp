@@ -2,18 +2,33 @@
 // lock.
 #include "workspace/plots.h"
 
+#include <algorithm>
+
 namespace {
 
-// Appends (index + 1, errors[index]) for every element: the curves start at x = 1.
-void AppendPairs(CDoubleArray& xs, CDoubleArray& ys, const CDoubleArray& errors) {
+void AppendPairs(CDoubleArray& xs, CDoubleArray& ys, const CDoubleArray& newXs, const CDoubleArray& newYs) {
     const int base = xs.GetSize();
-    const int n = errors.GetSize();
+    const int n = newXs.GetSize() < newYs.GetSize() ? newXs.GetSize() : newYs.GetSize();
     xs.SetSize(base + n);
     ys.SetSize(base + n);
     for (int i = 0; i < n; ++i) {
-        xs.SetAt(base + i, i + 1);
-        ys.SetAt(base + i, errors.GetAt(i));
+        xs.SetAt(base + i, newXs.GetAt(i));
+        ys.SetAt(base + i, newYs.GetAt(i));
     }
+}
+
+// Drops the oldest curves (each starts at x = 1) until room more points fit in most, the curve under way
+// being kept whole.
+void MakeRoom(CDoubleArray& xs, CDoubleArray& ys, int room, int most) {
+    const int size = xs.GetSize();
+    int from = size + room - most;
+    if (from <= 0) return;
+    while (from < size && xs.GetAt(from) != 1.0) ++from;
+    const int kept = size - from;
+    std::copy(xs.GetData() + from, xs.GetData() + size, xs.GetData());
+    std::copy(ys.GetData() + from, ys.GetData() + size, ys.GetData());
+    xs.SetSize(kept);
+    ys.SetSize(kept);
 }
 
 void EmptyPairs(CDoubleArray& xs, CDoubleArray& ys) {
@@ -53,10 +68,11 @@ void CCurvePlot::SetYRange(const CAxisRange& range) { SetLockedRange(m_dYMin, m_
 
 // ---- iteration plot ---------------------------------------------------------------------------------------
 
-void CIterationPlot::AppendCurve(const CDoubleArray& errors, bool restart) {
+void CIterationPlot::AppendCurve(const CDoubleArray& xs, const CDoubleArray& ys, bool restart) {
     auto lock = SeriesLock();
     if (restart) EmptyPairs(m_arrX, m_arrY);
-    AppendPairs(m_arrX, m_arrY, errors);
+    MakeRoom(m_arrX, m_arrY, xs.GetSize(), kMostCurvePoints);
+    AppendPairs(m_arrX, m_arrY, xs, ys);
 }
 
 CAxisRange CIterationPlot::XRange() { return LockedRange(m_dXMin, m_dXMax); }
@@ -65,10 +81,10 @@ void CIterationPlot::SetXRange(const CAxisRange& range) { SetLockedRange(m_dXMin
 
 // ---- summary plot -----------------------------------------------------------------------------------------
 
-void CSummaryPlot::SetPoints(const CDoubleArray& errors) {
+void CSummaryPlot::SetPoints(const CDoubleArray& xs, const CDoubleArray& ys) {
     auto lock = SeriesLock();
     EmptyPairs(m_arrX, m_arrY);
-    AppendPairs(m_arrX, m_arrY, errors);
+    AppendPairs(m_arrX, m_arrY, xs, ys);
 }
 
 int CSummaryPlot::Multiplier() {

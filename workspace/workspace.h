@@ -168,6 +168,9 @@ public:
     // The information list (infolist.cpp, in workspace/: runs and the written files' members tell it too).
     void AppendInfo(CString strLine);
     void ClearInfo();
+    // Tells in the information list where a file was written: "title NAME", then its folder on lines short
+    // enough for the list to show whole. On the window's thread.
+    void AppendPathInfo(const char* title, const CString& path);
     // Enter and Esc do not end the program: only the close box does (OnClose).
     void OnOK() override {}
     void OnCancel() override {}

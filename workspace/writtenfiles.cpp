@@ -8,14 +8,18 @@ namespace {
 
 void ShowError(CVantrelDlg& dlg, const char* text) { dlg.MessageBox(text, "Error", MB_ICONHAND); }
 
-// A block that the file can't take is lost and the run goes on: after an open that fails the next block
-// tries again, after a write that fails (AppendToFile) nothing more is written.
+// A block that the file can't take is lost and the run goes on without saving: the training is worth its
+// curves and read-outs, and the user can stop it. The failure is told once per run. A file that misses a
+// block is incomplete, as after a write that fails (AppendToFile), and later blocks would only make it look
+// whole; and a folder that has vanished would answer every further trial with a box that holds the worker,
+// and the user, until it is closed. So the path is emptied and nothing more is written.
 void AppendBlock(CVantrelDlg& dlg, CString& path, const std::vector<std::string>& block) {
     CString failure;
     int openError = 0;
     const AppendResult result = AppendToFile(path, block, failure, openError);
     if (result == AppendResult::CannotOpen) {
         dlg.AppendInfo(WriteFailureLine(path, openError));
+        path.Empty();
         ShowError(dlg, "Open Result File Failed!");
     } else if (!failure.IsEmpty()) {
         ShowError(dlg, failure);

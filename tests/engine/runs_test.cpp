@@ -30,13 +30,13 @@ public:
     void IterationDone(UINT, double) override { Called("IterationDone"); }
     void UnitAdded(UINT count) override { Called("UnitAdded"), units.push_back(count); }
     void TimesDone(double, double) override { Called("TimesDone"); }
-    void IterationCurve(const std::vector<double>& errors) override {
+    void IterationCurve(const engine::CErrorCurve& errors) override {
         Called("IterationCurve");
-        curves.push_back(errors);
+        curves.push_back(errors.Errors());
     }
     void NetworkDone() override { Called("NetworkDone"); }
     void TotalError(double) override { Called("TotalError"); }
-    void SummaryCurve(const std::vector<double>&, UINT) override { Called("SummaryCurve"); }
+    void SummaryCurve(const engine::CErrorCurve&, UINT) override { Called("SummaryCurve"); }
     void ResultBlock(UINT, UINT iterations, double error) override {
         Called("ResultBlock");
         blockIterations.push_back(iterations);

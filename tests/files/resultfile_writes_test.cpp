@@ -6,6 +6,8 @@
 #include <fstream>
 
 #include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "files/resultfiles.h"
 #include "platform/files.h"
@@ -31,7 +33,7 @@ protected:
 };
 
 // The name is the run's start to the second and nothing more: a run that starts on the name of an earlier
-// file gets that name, and the earlier file is kept under the next free "NAME.N.txt".
+// file gets the next free "NAME.N.txt", and the earlier file stays as it was.
 TEST_F(ResultFileTest, TwoRunsInOneSecondKeepBothFiles) {
     for (int attempt = 0; attempt < 3; ++attempt) {
         for (const std::string& file : m_folder.Files("_result")) std::remove(file.c_str());
@@ -43,9 +45,9 @@ TEST_F(ResultFileTest, TwoRunsInOneSecondKeepBothFiles) {
         ASSERT_NE(kept, "");
         ASSERT_EQ(m_dlg.CreateResultFile(&second), 1);
         if (std::time(nullptr) != start) continue;  // the second ticked over between the two: try again
-        EXPECT_EQ(second, first) << "the new run gets the name the format gives";
+        EXPECT_EQ(second.str(), AsideName(first.str(), 1)) << "the new run takes the next free name";
         EXPECT_EQ(TempFolder::Read(second.str()), "") << "the new file starts empty";
-        EXPECT_EQ(TempFolder::Read(AsideName(first.str(), 1)), kept) << "the earlier run's blocks are kept";
+        EXPECT_EQ(TempFolder::Read(first.str()), kept) << "the earlier run's blocks are kept where they are";
         return;
     }
     FAIL() << "no two runs started within one second";
@@ -58,9 +60,9 @@ struct tm Moment(int year, int month, int day, int hour, int minute, int second)
     return t;
 }
 
-// Moments whose unpadded digits read alike, and a third file on one name: each earlier file moves to the next
-// free number, so the higher the number, the later the file; output files move aside as result files do.
-TEST_F(ResultFileTest, CollidingMomentsMoveEarlierFilesAsideInTheOrderMade) {
+// Moments whose unpadded digits read alike, and a third file on one name: each later file takes the next free
+// number, so the higher the number, the later the file; output files are named as result files are.
+TEST_F(ResultFileTest, CollidingMomentsTakeNumberedNamesInTheOrderMade) {
     struct Case {
         std::vector<struct tm> moments;
         const char* suffix;
@@ -78,15 +80,64 @@ TEST_F(ResultFileTest, CollidingMomentsMoveEarlierFilesAsideInTheOrderMade) {
             CString path;
             int error = 0;
             ASSERT_TRUE(CreateStampedFile(c.suffix, moment, path, error)) << c.name << ": " << std::strerror(error);
-            EXPECT_EQ(path.str(), m_folder.Path() + "/" + c.name + ".txt");
+            const std::string plain = m_folder.Path() + "/" + c.name + ".txt";
+            EXPECT_EQ(path.str(), written.empty() ? plain : AsideName(plain, static_cast<int>(written.size())));
             EXPECT_EQ(TempFolder::Read(path.str()), "") << "a new file starts empty";
             written.push_back("file " + std::to_string(written.size() + 1));
             std::ofstream(path.str(), std::ios::binary) << written.back();
         }
-        for (size_t k = 0; k + 1 < written.size(); ++k)
-            EXPECT_EQ(TempFolder::Read(m_folder.Path() + "/" + c.name + "." + std::to_string(k + 1) + ".txt"),
+        EXPECT_EQ(TempFolder::Read(m_folder.Path() + "/" + c.name + ".txt"), written[0]) << c.name;
+        for (size_t k = 1; k < written.size(); ++k)
+            EXPECT_EQ(TempFolder::Read(m_folder.Path() + "/" + c.name + "." + std::to_string(k) + ".txt"),
                       written[k]) << c.name;
         EXPECT_EQ(m_folder.Files(c.name).size(), written.size()) << c.name << ": one file per creation";
+    }
+}
+
+// Two windows beside one program, started in the same second: each stamped name is taken by one of them
+// alone, and what a window writes to the name it took stays in that file, whatever the other does meanwhile.
+TEST_F(ResultFileTest, ProcessesTakingStampedNamesAtOnceNeverShareAFile) {
+    constexpr int kProcesses = 4;
+    constexpr int kFilesEach = 40;
+    const struct tm moment = Moment(2026, 2, 3, 4, 5, 6);
+    std::vector<pid_t> children;
+    for (int k = 0; k < kProcesses; ++k) {
+        const pid_t pid = fork();
+        ASSERT_GE(pid, 0);
+        if (pid == 0) {
+            // The child makes only plain file calls, and leaves without running the test's exit handlers.
+            int failures = 0;
+            for (int n = 0; n < kFilesEach; ++n) {
+                CString path;
+                int error = 0;
+                if (!CreateStampedFile("result.txt", moment, path, error)) ++failures;
+                for (int block = 0; block < 3; ++block) {
+                    CFile file;
+                    if (!file.Open(path, CFile::modeWrite)) {
+                        ++failures;
+                        continue;
+                    }
+                    const std::string line = "writer " + std::to_string(k) + "\n";
+                    file.Seek(0, CFile::end);
+                    file.Write(line.data(), static_cast<UINT>(line.size()));
+                    file.Close();
+                }
+            }
+            _exit(failures == 0 ? 0 : 1);
+        }
+        children.push_back(pid);
+    }
+    for (pid_t child : children) {
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "a writer lost its file";
+    }
+    const std::vector<std::string> files = m_folder.Files("202623_456_result");
+    EXPECT_EQ(files.size(), static_cast<size_t>(kProcesses * kFilesEach)) << "one file per name taken";
+    for (const std::string& file : files) {
+        const std::string text = TempFolder::Read(file);
+        const std::string first = text.substr(0, text.find('\n') + 1);
+        EXPECT_EQ(text, first + first + first) << file << " holds the blocks of more than one writer";
     }
 }
 

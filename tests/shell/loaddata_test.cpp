@@ -2,6 +2,7 @@
 // that each outcome leaves.
 #include <sys/stat.h>
 
+#include "files/datafile.h"
 #include "support/main_dialog.h"
 
 namespace {
@@ -119,4 +120,29 @@ TEST_F(LoadDataTest, FileWithoutPatternsIsRefused) {
     EXPECT_FALSE(m_dlg.m_bDataLoaded);
     EXPECT_EQ(m_dlg.m_nPatterns, 0u);
     EXPECT_EQ(m_dlg.m_nOutputs, 1u);
+}
+
+// A file with bare LF line ends reads as it always has (each line a character short), but the information list
+// says why before the Data Set Information dialog opens, and how to mend the file; a CR LF file gets no notice.
+TEST_F(LoadDataTest, LineFeedEndsAreToldInTheInformationListWithTheirConversion) {
+    const auto lines = [this] { return m_dlg.Window()->Items(1015); };
+    LoadData(m_folder.Write("crlf.txt", "0 1.5\r\n1 2.5\r\n"));
+    const size_t before = lines().size();
+    LoadData(m_folder.Write("my data.txt", "0 1.5\n1 2.5\n"));
+    ASSERT_TRUE(m_dlg.m_bDataLoaded);
+    EXPECT_EQ(m_dlg.m_pTargets[0], 1.0) << "the values read stay as the scanner reads them";
+    const std::vector<std::string> all = lines();
+    const std::vector<std::string> notice(all.begin() + static_cast<long>(before), all.end());
+    ASSERT_EQ(notice.size(), 6u) << "the CR LF file must get no notice, the LF file one";
+    EXPECT_EQ(notice.front(), "The lines of my data.txt end in LF,");
+    EXPECT_EQ(notice.back(), "sed -i 's/\\r*$/\\r/' 'my data.txt'");
+}
+
+TEST(LineFeedNotice, OnlyBareLineFeedsCountAndTheNameIsQuotedWhereTheShellNeedsIt) {
+    EXPECT_FALSE(HasBareLineFeeds("1 2\r\n3 4\r\n"));
+    EXPECT_FALSE(HasBareLineFeeds("1 2 3"));
+    EXPECT_TRUE(HasBareLineFeeds("1 2\r\n3 4\n"));
+    EXPECT_TRUE(HasBareLineFeeds("\n"));
+    EXPECT_EQ(CrLfConversion("sin1d_lf.txt"), "sed -i 's/\\r*$/\\r/' sin1d_lf.txt");
+    EXPECT_EQ(CrLfConversion("it's.txt"), "sed -i 's/\\r*$/\\r/' 'it'\\''s.txt'");
 }

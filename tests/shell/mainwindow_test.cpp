@@ -24,6 +24,22 @@ TEST_F(MainWindow, TheLine2001ArrivesInAnEmptiedList) {
     EXPECT_EQ(m_dlg.Window()->SelectedIndex(1015), 0) << "the newest line is selected";
 }
 
+// The list cuts what is wider than itself: a path is told on lines it shows whole, the folder broken behind
+// its slashes, and read together they give the path.
+TEST_F(MainWindow, AWrittenFileIsToldByItsFullPathOnLinesTheListShowsWhole) {
+    const std::string folder = "/home/someone/a rather long folder/of/projects/vantrel-build-with-a-long-name/";
+    m_dlg.AppendPathInfo("Result file:", CString(folder + "20261123_31840_result.txt"));
+    EXPECT_EQ(ToldPath("Result file:"), folder + "20261123_31840_result.txt");
+    const std::vector<std::string> lines = m_dlg.Window()->Items(1015);
+    EXPECT_EQ(lines.at(8), "Result file: 20261123_31840_result.txt");
+    EXPECT_EQ(lines.at(9).substr(0, 3), "in ");
+    EXPECT_GE(lines.size(), 11u) << "a long folder takes more than one line";
+    for (const std::string& line : lines) {
+        if (line.find('/') == std::string::npos) continue;
+        EXPECT_LE(line.size(), 44u) << line;
+    }
+}
+
 TEST_F(MainWindow, EnterAndEscDoNotEndTheProgramButTheCloseBoxDoes) {
     m_dlg.Window()->Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDOK)});
     m_dlg.Window()->Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDCANCEL)});

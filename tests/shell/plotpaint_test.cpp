@@ -26,9 +26,9 @@ protected:
 }  // namespace
 
 TEST_F(PlotPaint, IterationPlotPaintsItsFrameAndCurveInClientCoordinates) {
-    CDoubleArray errors;
-    for (int i = 0; i < 1000; ++i) errors.Add(1.0 / (i + 1));
-    m_dlg.m_iterationPlot.AppendCurve(errors, true);
+    CDoubleArray xs, errors;
+    for (int i = 0; i < 1000; ++i) xs.Add(i + 1), errors.Add(1.0 / (i + 1));
+    m_dlg.m_iterationPlot.AppendCurve(xs, errors, true);
     m_dlg.m_iterationPlot.RefreshIterationPlot(0);
     RECT client;
     m_dlg.m_iterationPlot.GetClientRect(&client);
@@ -56,9 +56,9 @@ TEST_F(PlotPaint, DataPlotShowsTheNoticeOnGreyAtStart) {
 }
 
 TEST_F(PlotPaint, AtDevicePixelRatioTwoAOnePixelLineIsTwoSharpDevicePixels) {
-    CDoubleArray errors;
-    for (int i = 0; i < 1000; ++i) errors.Add(0.1);
-    m_dlg.m_iterationPlot.AppendCurve(errors, true);
+    CDoubleArray xs, errors;
+    for (int i = 0; i < 1000; ++i) xs.Add(i + 1), errors.Add(0.1);
+    m_dlg.m_iterationPlot.AppendCurve(xs, errors, true);
     m_dlg.m_iterationPlot.RefreshIterationPlot(0);
     auto* widget = qobject_cast<QFrame*>(platform::WidgetOf(&m_dlg.m_iterationPlot));
     ASSERT_NE(widget, nullptr);

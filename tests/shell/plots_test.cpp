@@ -115,6 +115,27 @@ TEST(IterationPlotPicture, MultipleCurvesStartAnewAtXOne) {
     EXPECT_GT(joined.Count(kBlue, 0, upper + 2, kWidth, lower - 1), 50) << "mode 0 draws one joined curve";
 }
 
+// Multiple Curves over a run of many trials: the oldest curves go once the series would pass their bound, so
+// that what stays is whole curves, the latest of them.
+TEST(IterationPlotSeries, MultipleCurvesKeepTheLatestWholeCurvesWithinTheirBound) {
+    CIterationPlot plot;
+    CDoubleArray xs, ys;
+    const int points = 100000;
+    for (int i = 0; i < points; ++i) xs.Add(i + 1), ys.Add(1.0);
+    for (int curve = 0; curve < 25; ++curve) {
+        ys.SetAt(0, curve);  // each curve known by its first error
+        plot.AppendCurve(xs, ys, false);
+    }
+    const int size = plot.m_arrX.GetSize();
+    EXPECT_LE(size, CIterationPlot::kMostCurvePoints);
+    EXPECT_EQ(size % points, 0) << "only whole curves are kept";
+    EXPECT_EQ(plot.m_arrX.GetAt(0), 1.0);
+    EXPECT_EQ(plot.m_arrY.GetAt(0), 25 - size / points) << "the oldest curves go first";
+    EXPECT_EQ(plot.m_arrY.GetAt(size - points), 24.0) << "the latest curve is kept";
+    plot.AppendCurve(xs, ys, true);
+    EXPECT_EQ(plot.m_arrX.GetSize(), points) << "One Curve starts afresh";
+}
+
 TEST(IterationPlotPicture, ASinglePointDrawsNothing) {
     CIterationPlot plot;
     Fill(plot.m_arrX, plot.m_arrY, {{5, 0.1}});

@@ -134,7 +134,7 @@ TEST_F(VerificationTest, TrainingAndTestingPatternsGiveOneRowEachInReadingOrder)
     EXPECT_TRUE(m_prompts.Boxes().empty());
 }
 
-// In different seconds or in one (the earlier stamped file then moves aside): two stamped files, each with its
+// In different seconds or in one (the later stamped file then takes a numbered name): two stamped files, each with its
 // press's rows, and one "output.txt" with the second press's.
 TEST_F(VerificationTest, TwoPressesLeaveTwoStampedFilesAndOneOutputTxt) {
     Workspace(1, 0, 1.0, {0.0, 0.0});
@@ -150,6 +150,12 @@ TEST_F(VerificationTest, TwoPressesLeaveTwoStampedFilesAndOneOutputTxt) {
     for (const auto& [name, text] : files)
         if (name != "output.txt") stamped.insert(text);
     EXPECT_EQ(stamped, (std::multiset<std::string>{first, second}));
+    // The information list tells each file as it is written, each press both of its files.
+    const std::vector<std::string> lines = m_dlg.Window()->Items(1015);
+    for (const auto& [name, text] : files)
+        EXPECT_EQ(std::count(lines.begin(), lines.end(), "Output file: " + name), name == "output.txt" ? 2 : 1)
+            << name;
+    EXPECT_EQ(ToldPath("Output file:"), m_dir + "/output.txt");
 }
 
 TEST_F(VerificationTest, EachRefusalLeavesBothFilesEmptyAndOpensNothing) {

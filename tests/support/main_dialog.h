@@ -47,6 +47,22 @@ protected:
         for (int id : ids) EXPECT_EQ(Enabled(id), enabled) << "control " << id;
     }
 
+    // The path that the information list tells on the lines from the last one that begins with title: the name
+    // behind the title, the folder on the lines after it ("in ...", then "   ..."). Empty when no line tells one.
+    std::string ToldPath(const std::string& title) {
+        const std::vector<std::string> lines = m_dlg.Window()->Items(1015);
+        std::string folder, name;
+        for (const std::string& line : lines) {
+            if (line.rfind(title + " ", 0) == 0) {
+                name = line.substr(title.size() + 1);
+                folder.clear();
+            } else if (!name.empty() && (line.rfind("in ", 0) == 0 || line.rfind("   ", 0) == 0)) {
+                folder += line.substr(3);
+            }
+        }
+        return name.empty() ? std::string() : folder + name;
+    }
+
     const std::vector<std::string>& Boxes() const { return m_prompts.Boxes(); }
     static std::string Box(const char* text) { return std::string("box Error [stop]: ") + text; }
 

@@ -1,6 +1,9 @@
 // Whole runs of the four methods with a fixed number of units on the hidden main dialog: stopping tests, the
 // trial's read-outs, curves and result blocks, Stop, and the ways a run fails.
+#include <sys/stat.h>
+
 #include <cmath>
+#include <filesystem>
 #include <functional>
 #include <limits>
 #include <new>
@@ -320,6 +323,54 @@ TEST_F(TrainingRun, FailedResultFileLeavesTheNetworkUntouched) {
     EXPECT_EQ(m_dlg.m_pWidths[0], 0.5);
     EXPECT_EQ(m_dlg.m_pCenters[1], 1.6);
     ExpectEndedAbnormally();
+}
+
+// The results folder vanishes during a run of many saved trials: one box tells of it, and the run goes on
+// to its end without saving, where a box per trial would hold the worker, and the user, for each of them.
+TEST_F(TrainingRun, AResultsFolderThatVanishesIsReportedOnceAndTheRunGoesOnWithoutSaving) {
+    LoadSmallProblem();
+    const std::string folder = m_folder.Path() + "/results";
+    ASSERT_EQ(mkdir(folder.c_str(), 0700), 0);
+    AfxSetModuleDirectory(folder.c_str());
+    m_dlg.m_bSaveResults = 1;
+    m_dlg.m_nTrials = 30;
+    m_dlg.m_nIterations = 2;
+    m_dlg.m_dDesiredError = 0.0;
+    CScriptedTrainee method(m_dlg, [&folder](CVantrelDlg&, int call) {
+        if (call == 3) std::filesystem::remove_all(folder);  // in the second trial
+        return 0.5;
+    });
+    ASSERT_EQ(RunScripted(m_dlg, method), 0u) << "the run must end normally";
+    EXPECT_EQ(method.calls, 60) << "every trial must be trained";
+    EXPECT_EQ(Boxes(), std::vector<std::string>{Box("Open Result File Failed!")});
+    EXPECT_EQ(Curve(m_dlg.m_summaryPlot.m_arrY).size(), 30u);
+    EXPECT_TRUE(Enabled(1038));
+}
+
+// A trial of many iterations and a run of many trials: the plots keep as many points as they can show, the
+// curve still ending at the last iteration, and the result blocks count every iteration.
+TEST_F(TrainingRun, LongTrialsAndManyTrialsKeepTheirCurvesBounded) {
+    LoadSmallProblem();
+    m_dlg.m_nIterations = 100000;
+    m_dlg.m_dDesiredError = 0.0;
+    m_dlg.m_bSaveResults = 1;
+    CScriptedTrainee method(m_dlg, [](CVantrelDlg&, int call) { return 1.0 / call; });
+    ASSERT_EQ(RunScripted(m_dlg, method), 0u);
+    const std::vector<double> x = Curve(m_dlg.m_iterationPlot.m_arrX);
+    EXPECT_LT(x.size(), 15000u);
+    EXPECT_EQ(x.front(), 1.0);
+    EXPECT_EQ(x.back(), 100001.0) << "the curve must end at the last iteration";
+    EXPECT_EQ(Curve(m_dlg.m_iterationPlot.m_arrY).back(), 1.0 / 100000);
+    EXPECT_EQ(Count(ResultText(), "total iterations: 100000, "), 1);
+
+    m_dlg.m_nIterations = 1;
+    m_dlg.m_nTrials = 10000;
+    m_dlg.m_bSaveResults = 0;
+    CScriptedTrainee trials(m_dlg, [](CVantrelDlg&, int call) { return 1.0 / call; });
+    ASSERT_EQ(RunScripted(m_dlg, trials), 0u);
+    const std::vector<double> summary = Curve(m_dlg.m_summaryPlot.m_arrX);
+    EXPECT_LE(summary.size(), 4100u);
+    EXPECT_EQ(summary.back(), 10000.0) << "the summary must end at the last trial";
 }
 
 TEST_F(TrainingRun, DataSetWithoutPatternsIsRefused) {

@@ -88,7 +88,8 @@ INT_PTR CScriptedPrompts::RunModal(CDialog& dialog) {
 void CScriptedPrompts::RunAction(CDialog& dialog, const DialogAction& action) {
     platform::DialogControls* window = dialog.Window();
     if (window == nullptr) return;
-    if ((action.kind == DialogAction::Click || action.kind == DialogAction::Set) && !window->HasControl(action.id)) {
+    if (action.kind != DialogAction::Ok && action.kind != DialogAction::Cancel && action.kind != DialogAction::Close &&
+        !window->HasControl(action.id)) {
         m_scriptError = "dialog " + std::to_string(dialog.TemplateId()) + " has no control " + std::to_string(action.id);
         return;
     }
@@ -100,6 +101,11 @@ void CScriptedPrompts::RunAction(CDialog& dialog, const DialogAction& action) {
             window->Deliver(AfxMessage{WM_COMMAND, BN_CLICKED, static_cast<UINT>(IDCANCEL)});
             break;
         case DialogAction::Close: window->Deliver(AfxMessage{WM_CLOSE}); break;
+        case DialogAction::Accessible: {
+            const auto [role, name] = window->Accessible(action.id);
+            m_print("accessible " + std::to_string(action.id) + ": " + role + ": " + name);
+            break;
+        }
     }
 }
 

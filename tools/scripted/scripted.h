@@ -14,7 +14,7 @@ public:
     using Printer = std::function<void(const std::string&)>;
 
     struct DialogAction {
-        enum Kind { Click, Set, Ok, Cancel, Close } kind;
+        enum Kind { Click, Set, Ok, Cancel, Close, Accessible } kind;
         int id = 0;
         std::string text;
     };

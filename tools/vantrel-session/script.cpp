@@ -64,13 +64,13 @@ bool ParseDialogActions(SessionCommand& command, std::string& message) {
         if (word == "ok" || word == "cancel" || word == "close") {
             action.kind = word == "ok" ? Action::Ok : word == "cancel" ? Action::Cancel : Action::Close;
             i += 1;
-        } else if (word == "click" || word == "set") {
-            const size_t need = word == "click" ? 2 : 3;
+        } else if (word == "click" || word == "set" || word == "accessible") {
+            const size_t need = word == "set" ? 3 : 2;
             if (i + need > a.size() || !ParseIntToken(a[i + 1], action.id)) {
                 message = "dialog: '" + word + "' needs a control ID" + (word == "set" ? " and a text" : "");
                 return false;
             }
-            action.kind = word == "click" ? Action::Click : Action::Set;
+            action.kind = word == "click" ? Action::Click : word == "set" ? Action::Set : Action::Accessible;
             if (word == "set") action.text = a[i + 2];
             i += need;
         } else {
