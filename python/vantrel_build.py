@@ -65,8 +65,9 @@ def _cmake(build, staging):
     if shutil.which("ninja"):
         configure += ["-G", "Ninja"]
     jobs = os.environ.get("CMAKE_BUILD_PARALLEL_LEVEL", str(os.cpu_count() or 1))
+    targets = ["--target", "vantrel_python", "vantrel_kernel_family"]
     for command in (configure,
-                    ["cmake", "--build", str(build), "--target", "vantrel_python", "--parallel", jobs],
+                    ["cmake", "--build", str(build), *targets, "--parallel", jobs],
                     ["cmake", "--install", str(build), "--component", "python", "--prefix", str(staging)]):
         print("+", " ".join(command), file=sys.stderr, flush=True)
         subprocess.run(command, check=True, stdout=sys.stderr)
