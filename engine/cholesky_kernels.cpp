@@ -1,10 +1,10 @@
-// The damped solve: a recursive Cholesky factorization of the damped quasi-Hessian, read from the triangle that
+// The damped solve: a blocked Cholesky factorization of the damped quasi-Hessian, read from the triangle that
 // the accumulation keeps, and the plain LU for a matrix that proves not positive definite.
 //
 // The matrix is row-major. Its strict upper triangle holds the quasi-Hessian and is only ever read; the factor
-// L is written into the lower triangle and the diagonal. Each block of the lower triangle is loaded from the
-// upper one (and each diagonal element from the kept diagonal plus the damping value) by the piece of work
-// that first uses it, so a try restores nothing before it starts.
+// L is written into the lower triangle and the diagonal. A try first loads the lower triangle from the upper one
+// (and each diagonal element from the kept diagonal plus the damping value) in strips of rows on the threads,
+// so that it needs no copy of the matrix apart and nothing is restored after it.
 #include <cblas.h>
 #include <lapack.h>
 
@@ -21,16 +21,20 @@ namespace kernels {
 
 namespace {
 
-// Diagonal blocks this small are factored by LAPACK's Cholesky on one thread; larger ones split in two.
-constexpr int kBaseBlock = 128;
-// Triangular solves with a triangle this small go to the BLAS as they are; larger ones split into products.
-constexpr int kBaseSolve = 32;
-// Strips of rows shared among the threads are at least this tall: each packs the triangle or the panel anew.
-constexpr size_t kMinStripRows = 96;
-// Below this much work (some hundredths of a millisecond) a strip stays on the calling thread. Far lower than
-// the LU's: a try of the Error Correction Algorithm at 401 parameters is half a millisecond, whose updates
-// would otherwise run on one core while the others wait, and so would the second level of the recursion at
-// 1201 parameters.
+// Columns of a step: each step factors a diagonal block this wide on one thread, then solves the rows below it
+// with that block and subtracts their product from the rest of the matrix, both shared among the threads. The
+// subtraction, nearly all the work, is then a rank-96 update, which the BLAS runs near its peak; wider steps
+// leave more of the work to the one-thread factorization of the block and the triangular products, which run
+// well below it, and narrower ones make the update's products thin.
+constexpr int kStepColumns = 96;
+// A matrix of up to this order is factored whole by LAPACK on one thread: its steps' updates are too small to
+// share (each costs less than handing a strip to a kept thread). The Error Correction Algorithm's small
+// networks end here.
+constexpr int kWholeOrder = 192;
+// Strips of rows shared among the threads are at least this tall: each packs the step's columns anew, and
+// fewer, taller strips keep the products large.
+constexpr size_t kMinStripRows = 128;
+// Below this much work (some hundredths of a millisecond) a strip stays on the calling thread.
 constexpr double kStripThreadWork = 2.0e6;
 // Pieces of at most this much work between two looks at the cancel token: about a hundredth of a second.
 constexpr double kPieceWork = 1e9;
@@ -76,22 +80,6 @@ bool FactorSmall(const CCholesky& c, int k0, int w) {
     return true;
 }
 
-// Solves X L^T = B in place of B, for the lower triangle L (w x w) and B (rows x w), both at stride ld: the left
-// columns first, then the right ones less the product of the left solution with L's lower left block, so that
-// most of the work runs as a matrix product.
-void SolveRightTransposed(const double* l, double* b, int rows, int w, int ld) {
-    if (w <= kBaseSolve) {
-        cblas_dtrsm(CblasRowMajor, CblasRight, CblasLower, CblasTrans, CblasNonUnit, rows, w, 1.0, l, ld, b, ld);
-        return;
-    }
-    const int left = w / 2;
-    const size_t down = static_cast<size_t>(left) * ld;
-    SolveRightTransposed(l, b, rows, left, ld);
-    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, rows, w - left, left, -1.0, b, ld, l + down, ld, 1.0,
-                b + left, ld);
-    SolveRightTransposed(l + down + left, b + left, rows, w - left, ld);
-}
-
 // Strips of rows 0 .. rows - 1 of a piece of work that costs rowWork(r0, r1) for the rows r0 .. r1 - 1: a power
 // of two of them (at most eight), of about equal work, each at least kMinStripRows tall, on up to ThreadCount()
 // threads. Only the shape decides the strips, so the results are the same on any number of threads.
@@ -114,54 +102,53 @@ void InRowStrips(int rows, RowWork rowWork, bool growing, Strip strip) {
     });
 }
 
-// The diagonal block k0 .. k0 + w - 1: its left half is factored, the rows of its right half solved with it,
-// their product subtracted from the right half's diagonal block, and that block factored in turn. With
-// loaded false nothing of the block has been loaded yet, and each piece loads its rows as it starts.
-bool FactorBlock(const CCholesky& c, int k0, int w, bool loaded) {
-    c.cancel.ThrowIfAbandoned();
-    // A block whose updates are too small to share among threads (each about w^3 / 8 operations) gains nothing
-    // from the splits either: LAPACK factors it whole. The Error Correction Algorithm's networks end here.
-    if (w <= kBaseBlock || double(w) * w * w / 8 < 2 * kStripThreadWork) {
-        if (!loaded) Load(c, k0, k0 + w, k0, k0 + w);
-        return FactorSmall(c, k0, w);
-    }
-    const int h = std::max(kBaseBlock / 2, (w / 2 + 7) / 8 * 8);
-    const int k1 = k0 + h, m = w - h;
-    if (!FactorBlock(c, k0, h, loaded)) return false;
-    // L21 = A21 L11^-T, by strips of rows (and within a strip, pieces of rows of bounded work).
+// The inverse of the factored diagonal block k0 .. k0 + w - 1 (lower, w x w at stride w; nothing above its
+// diagonal is written or read), by LAPACK on one BLAS thread.
+void InvertDiagonalBlock(const CCholesky& c, int k0, int w, double* inverse) {
+    for (int i = 0; i < w; ++i) std::copy(c.At(k0 + i, k0), c.At(k0 + i, k0 + i + 1), inverse + size_t(i) * w);
+    const char upper = 'U', nonUnit = 'N';
+    const lapack_int order = w, ld = w;
+    lapack_int info = 0;
+    LAPACK_dtrtri(&upper, &nonUnit, &order, inverse, &ld, &info);  // its diagonal is positive: info stays 0
+}
+
+// The rows k1 .. n - 1 below the diagonal block k0 .. k1 - 1, factored already: L21 = A21 L11^-T, then
+// A22 -= L21 L21^T on the lower triangle, each by strips of rows (the part of an update strip left of its
+// diagonal block as a product in pieces of bounded work, the diagonal block by a symmetric rank-k update).
+// L21 is A21 times the block's inverse, transposed: the BLAS's triangular product runs at three times the
+// speed of its triangular solve for a block this narrow, and the inverse of a positive definite matrix's
+// Cholesky block is as well conditioned as the block.
+void UpdateBelow(const CCholesky& c, int k0, int k1, double* inverse) {
+    const int w = k1 - k0, m = c.n - k1;
+    InvertDiagonalBlock(c, k0, w, inverse);
     InRowStrips(
-        m, [&](int r0, int r1) { return double(r1 - r0) * h * h; }, false,
+        m, [&](int r0, int r1) { return double(r1 - r0) * w * w; }, false,
         [&](int r0, int r1) {
-            if (!loaded) Load(c, k1 + r0, k1 + r1, k0, k1);
-            InStrips(
-                static_cast<size_t>(r1 - r0), double(h) * h, c.cancel,
-                [&](size_t i0, size_t count) {
-                    SolveRightTransposed(c.At(k0, k0), c.At(k1 + r0 + static_cast<int>(i0), k0),
-                                         static_cast<int>(count), h, c.n);
-                },
-                kPieceWork);
+            cblas_dtrmm(CblasRowMajor, CblasRight, CblasLower, CblasTrans, CblasNonUnit, r1 - r0, w, 1.0, inverse,
+                        w, c.At(k1 + r0, k0), c.n);
         });
     c.cancel.ThrowIfAbandoned();
-    // A22 -= L21 L21^T on the lower triangle, by strips of rows: the part left of each strip's diagonal block
-    // as a product (in pieces of bounded work), the diagonal block by a symmetric rank-k update.
     InRowStrips(
-        m, [&](int r0, int r1) { return double(r1 - r0) * (r1 + r0) * h; }, true,
+        m, [&](int r0, int r1) { return double(r1 - r0) * (r1 + r0) * w; }, true,
         [&](int r0, int r1) {
             const int rows = r1 - r0;
-            if (!loaded) Load(c, k1 + r0, k1 + r1, k1, k1 + r1);
             InStrips(
-                static_cast<size_t>(r0), 2.0 * rows * h, c.cancel,
+                static_cast<size_t>(r0), 2.0 * rows * w, c.cancel,
                 [&](size_t j0, size_t width) {
-                    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, rows, static_cast<int>(width), h, -1.0,
+                    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, rows, static_cast<int>(width), w, -1.0,
                                 c.At(k1 + r0, k0), c.n, c.At(k1 + static_cast<int>(j0), k0), c.n, 1.0,
                                 c.At(k1 + r0, k1 + static_cast<int>(j0)), c.n);
                 },
                 kPieceWork);
-            cblas_dsyrk(CblasRowMajor, CblasLower, CblasNoTrans, rows, h, -1.0, c.At(k1 + r0, k0), c.n, 1.0,
+            cblas_dsyrk(CblasRowMajor, CblasLower, CblasNoTrans, rows, w, -1.0, c.At(k1 + r0, k0), c.n, 1.0,
                         c.At(k1 + r0, k1 + r0), c.n);
         });
-    c.cancel.ThrowIfAbandoned();
-    return FactorBlock(c, k1, m, true);
+}
+
+// The inverse of a step's diagonal block, kept with the thread for its next try.
+std::vector<double>& StepScratch() {
+    thread_local std::vector<double> inverse;
+    return inverse;
 }
 
 // The scratch of the fallback's row swaps, kept with the thread for its next try.
@@ -175,7 +162,25 @@ std::vector<int>& PivotScratch() {
 bool FactorDampedCholesky(double* a, int n, const double* diagonal, double damping, const CCancelToken& cancel) {
     if (n <= 0) return true;
     CSingleBlasThread single;  // every product on one BLAS thread, the strips on the threads (InRowStrips)
-    return FactorBlock(CCholesky{a, n, diagonal, damping, cancel}, 0, n, false);
+    const CCholesky c{a, n, diagonal, damping, cancel};
+    cancel.ThrowIfAbandoned();
+    if (n <= kWholeOrder) {
+        Load(c, 0, n, 0, n);
+        return FactorSmall(c, 0, n);
+    }
+    // The first step's update reaches every element of the lower triangle: all of it is loaded first.
+    InRowStrips(
+        n, [&](int r0, int r1) { return double(r1 - r0) * (r1 + r0) / 2; }, true,
+        [&](int r0, int r1) { Load(c, r0, r1, 0, r1); });
+    std::vector<double>& inverse = StepScratch();
+    inverse.resize(size_t(kStepColumns) * kStepColumns);
+    for (int k0 = 0; k0 < n; k0 += kStepColumns) {
+        cancel.ThrowIfAbandoned();
+        const int k1 = std::min(k0 + kStepColumns, n);
+        if (!FactorSmall(c, k0, k1 - k0)) return false;
+        if (k1 < n) UpdateBelow(c, k0, k1, inverse.data());
+    }
+    return true;
 }
 
 void SolveWithCholesky(const double* l, int n, const double* b, double* x) {

@@ -8,7 +8,7 @@
 // aligned subtrees summed apart on as many threads as there are cores. Memory is a block of rows per thread,
 // a partial sum per level of a part's subtree and one per part: it grows with the logarithm of the patterns.
 //
-// Factorization: a damped step factors the damped quasi-Hessian by a recursive Cholesky factorization, which
+// Factorization: a damped step factors the damped quasi-Hessian by a blocked Cholesky factorization, which
 // reads the triangle that the accumulation keeps and writes its factor beside it, so that every try of an
 // iteration starts from the same sums without restoring them. A damped matrix that proves not positive
 // definite (a network gone NaN) is factored by the recursive right-looking LU instead, whose one-column steps

@@ -96,8 +96,9 @@ CBothWays SolveBothWays(const CKept& k, double damping, const std::vector<double
 }  // namespace
 
 TEST(SolveDamped, CholeskyAgreesWithThePlainDecompositionAcrossBlockSizesAndKeepsTheTriangle) {
-    // Up to 1030: from 318 on the blocks split, and their updates fall into strips of rows.
-    for (int n : {1, 2, 5, 65, 128, 129, 300, 600, 1030}) {
+    // Up to 192 one factorization; above, steps of 96 columns whose updates fall into strips of rows, 193 ending
+    // in a step of one column, 1030 in strips of eight.
+    for (int n : {1, 2, 5, 65, 192, 193, 300, 600, 1030}) {
         const CKept k(n, 300 + n);
         std::vector<double> b(n);
         for (int i = 0; i < n; ++i) b[i] = i < n / 2 ? 0.0 : 1.0 - 0.25 * i;
@@ -145,6 +146,7 @@ TEST(SolveDamped, MatrixThatIsNotPositiveDefiniteEndsExactlyAsTheLUAloneEndsIt) 
         {"negative diagonal element", 40, [&](CKept& k) { set(k, 20, 20, -5.0); }, ""},
         {"indefinite beyond the first blocks", 600, [&](CKept& k) { set(k, 0, 599, 1e6); }, ""},
         {"NaN off the diagonal", 70, [&](CKept& k) { set(k, 3, 50, kNaN); }, ""},
+        {"NaN met in a late step", 400, [&](CKept& k) { set(k, 350, 10, kNaN); }, ""},
         {"infinite diagonal element", 5, [&](CKept& k) { set(k, 2, 2, INFINITY); }, ""},
         {"row of NaNs", 70, [&](CKept& k) { for (int j = 0; j < k.n; ++j) set(k, 33, j, kNaN); },
          "Singular matrix in LUdcmp"},
