@@ -7,6 +7,7 @@ and only sums come back. The partitions are aligned runs of the engine's chunks 
 are added by the engine's own tree, so a fit on a cluster gives the bits of a fit in one process.
 """
 import math
+from concurrent.futures import CancelledError
 
 import numpy as np
 
@@ -90,6 +91,10 @@ def _worst_of(summaries):
     return worst
 
 
+# Times a pass is sent before a cancellation by the cluster ends the fit.
+_PASS_ATTEMPTS = 3
+
+
 class DaskPatterns:
     """Patterns of dask arrays on a cluster, as the engine's network policy asks for them."""
 
@@ -112,10 +117,21 @@ class DaskPatterns:
         self._worst = None
         self._range = None
 
-    def _run(self, function, arguments):
-        """function(*arguments(k)) as a task for each partition k; their results in partition order."""
-        futures = [self._client.submit(function, *arguments(k), pure=False) for k in range(len(self._x_parts))]
-        return self._gather(futures)
+    def _run(self, function, network, arguments):
+        """function(*arguments(sent, k)) as a task for each partition k, sent the network on the workers; their
+        results in partition order."""
+        for attempt in range(_PASS_ATTEMPTS):
+            sent = self._network(network)
+            try:
+                futures = [self._client.submit(function, *arguments(sent, k), pure=False)
+                           for k in range(len(self._x_parts))]
+                return self._gather(futures)
+            except CancelledError:
+                # A worker lost while the network was on its way may take the only copy of it along, and data
+                # sent by scatter can't be computed again: the scheduler cancels the tasks that needed it. The
+                # pass is sent again; its sums are the same whichever workers compute them.
+                if attempt + 1 == _PASS_ATTEMPTS:
+                    raise
 
     def _gather(self, futures):
         """The futures' results; whatever ends the wait (Ctrl-C, a task's failure) cancels those still running."""
@@ -132,8 +148,7 @@ class DaskPatterns:
         return sent
 
     def sum_derivatives(self, network, improved, n_params, hessian):
-        sent = self._network(network)
-        parts = self._run(_partition_sums, lambda k: (
+        parts = self._run(_partition_sums, network, lambda sent, k: (
             sent, self._x_parts[k], self._y_parts[k], improved, n_params, hessian))
         sse = _engine.add_by_tree([np.array([s]) for s, _, _ in parts])[0]
         gradient = _engine.add_by_tree([g for _, g, _ in parts])
@@ -141,8 +156,7 @@ class DaskPatterns:
         return sse, gradient, square
 
     def squared_errors(self, network, keep):
-        sent = self._network(network)
-        parts = self._run(_partition_errors, lambda k: (
+        parts = self._run(_partition_errors, network, lambda sent, k: (
             sent, self._x_parts[k], self._y_parts[k], self._offsets[k], keep))
         if keep:
             self._worst = _worst_of([summary for _, summary in parts])
