@@ -13,8 +13,8 @@
 // iteration starts from the same sums without restoring them. A damped matrix that proves not positive
 // definite (a network gone NaN) is factored by the recursive right-looking LU instead, whose one-column steps
 // keep the pivot rule of the plain algorithm (implicit scaling, whole-row swaps, indx, the TINY replacement,
-// the singular-matrix failure). Both do their updates as triangular solves and matrix products on the
-// optimised BLAS.
+// the singular-matrix failure). Both do their updates as triangular products or solves and matrix products on
+// the optimised BLAS.
 //
 // Results agree with the plain per-pattern loops and the plain decomposition (reference/reference.h) up to
 // rounding, measured normwise; they do not depend on the number of cores.
