@@ -1,10 +1,13 @@
 // The damped solve: a blocked Cholesky factorization of the damped quasi-Hessian, read from the triangle that
 // the accumulation keeps, and the plain LU for a matrix that proves not positive definite.
 //
-// The matrix is row-major. Its strict upper triangle holds the quasi-Hessian and is only ever read; the factor
-// L is written into the lower triangle and the diagonal. A try first loads the lower triangle from the upper one
-// (and each diagonal element from the kept diagonal plus the damping value) in strips of rows on the threads,
-// so that it needs no copy of the matrix apart and nothing is restored after it.
+// The matrix is row-major and symmetric as the accumulation leaves it. Its strict lower triangle is only ever
+// read; the factor is written over the diagonal and the upper triangle, which, read column by column, is the
+// lower triangle of a column-major matrix: the layout in which the BLAS's Cholesky factorization runs fastest
+// (half as fast again as in the other triangle, on the orders of the Error Correction Algorithm's networks).
+// A try first loads its triangle from the kept one (and each diagonal element from the kept diagonal plus the
+// damping value) in strips on the threads, so that it needs no copy of the matrix apart and nothing is
+// restored after it. Below, (i, j) is the element of row i and column j of that column-major matrix.
 #include <cblas.h>
 #include <lapack.h>
 
@@ -27,12 +30,13 @@ namespace {
 // leave more of the work to the one-thread factorization of the block and the triangular products, which run
 // well below it, and narrower ones make the update's products thin.
 constexpr int kStepColumns = 96;
-// A matrix of up to this order is factored whole by LAPACK on one thread: its steps' updates are too small to
-// share (each costs less than handing a strip to a kept thread). The Error Correction Algorithm's small
-// networks end here.
-constexpr int kWholeOrder = 192;
-// Strips of rows shared among the threads are at least this tall: each packs the step's columns anew, and
-// fewer, taller strips keep the products large.
+// A matrix of up to this order is factored whole by LAPACK on one thread: below it, the steps' one-thread
+// parts and their hand-offs cost more than the second thread saves (at 401 the steps took 481 microseconds,
+// one factorization 414; at 521, 768 against 799). The Error Correction Algorithm's networks of up to 120
+// units end here.
+constexpr int kWholeOrder = 480;
+// Strips shared among the threads are at least this long: each packs the step's columns anew, and fewer,
+// longer strips keep the products large.
 constexpr size_t kMinStripRows = 128;
 // Below this much work (some hundredths of a millisecond) a strip stays on the calling thread.
 constexpr double kStripThreadWork = 2.0e6;
@@ -47,101 +51,110 @@ struct CCholesky {
     const double* diagonal;
     double damping;
     const CCancelToken& cancel;
-    double* At(int i, int j) const { return a + static_cast<size_t>(i) * n + j; }
+    // Column-major: the factor's column j runs along the stored row j.
+    double* At(int i, int j) const { return a + static_cast<size_t>(j) * n + i; }
 };
 
-// Rows i0 .. i1 - 1, columns j0 .. j1 - 1 of the lower triangle from the kept matrix: a[i][j] = a[j][i] below
-// the diagonal, the kept diagonal plus the damping value on it. Elements above the diagonal are left alone.
+// Rows i0 .. i1 - 1, columns j0 .. j1 - 1 of the factor's triangle from the kept matrix: (i, j) below the
+// diagonal is the kept (j, i), the diagonal the kept diagonal plus the damping value. Elements above the
+// diagonal, the kept ones, are left alone.
 void Load(const CCholesky& c, int i0, int i1, int j0, int j1) {
     for (int ib = i0; ib < i1; ib += kLoadTile)
         for (int jb = j0; jb < j1; jb += kLoadTile) {
             const int iEnd = std::min(ib + kLoadTile, i1), jEnd = std::min(jb + kLoadTile, j1);
             for (int i = ib; i < iEnd; ++i) {
-                double* row = c.At(i, 0);
+                const double* kept = c.a + static_cast<size_t>(i) * c.n;  // the kept (j, i), j < i
                 const int below = std::min(jEnd, i);
-                for (int j = jb; j < below; ++j) row[j] = c.a[static_cast<size_t>(j) * c.n + i];
-                if (i >= jb && i < jEnd) row[i] = c.diagonal[i] + c.damping;
+                for (int j = jb; j < below; ++j) *c.At(i, j) = kept[j];
+                if (i >= jb && i < jEnd) *c.At(i, i) = c.diagonal[i] + c.damping;
             }
         }
 }
 
-// The diagonal block k0 .. k0 + w - 1 by LAPACK's Cholesky on one BLAS thread: its column-major upper
-// triangle is the row-major lower one. false when a diagonal element of L is not a positive finite number:
+// The diagonal block k0 .. k0 + w - 1 by LAPACK's Cholesky on one BLAS thread. false when a diagonal element of L is not a positive finite number:
 // the matrix is not positive definite, or holds NaNs or infinities (each element of a row of L enters that
 // row's diagonal element), whose ends the LU decides.
 bool FactorSmall(const CCholesky& c, int k0, int w) {
-    const char upper = 'U';
+    const char lower = 'L';
     const lapack_int order = w, ld = c.n;
     lapack_int info = 0;
-    LAPACK_dpotrf(&upper, &order, c.At(k0, k0), &ld, &info);
+    LAPACK_dpotrf(&lower, &order, c.At(k0, k0), &ld, &info);
     if (info != 0) return false;
     for (int i = k0; i < k0 + w; ++i)
         if (!(*c.At(i, i) > 0.0 && *c.At(i, i) < std::numeric_limits<double>::infinity())) return false;
     return true;
 }
 
-// Strips of rows 0 .. rows - 1 of a piece of work that costs rowWork(r0, r1) for the rows r0 .. r1 - 1: a power
-// of two of them (at most eight), of about equal work, each at least kMinStripRows tall, on up to ThreadCount()
-// threads. Only the shape decides the strips, so the results are the same on any number of threads.
-template <class RowWork, class Strip>
-void InRowStrips(int rows, RowWork rowWork, bool growing, Strip strip) {
-    const double work = rowWork(0, rows);
-    const size_t byWork = static_cast<size_t>(work / kStripThreadWork);
-    const size_t byRows = static_cast<size_t>(rows) / kMinStripRows;
+// How the work of one row or column of a strip grows along its index: evenly, growing (the rows of a lower
+// triangle) or shrinking (its columns).
+enum class Spread { Even, Growing, Shrinking };
+
+// Strips of the indices 0 .. count - 1 of a piece of work that costs work(i0, i1) for the indices i0 .. i1 - 1:
+// a power of two of them (at most eight), of about equal work, each at least kMinStripRows long, on up to
+// ThreadCount() threads. Only the shape decides the strips, so the results are the same on any number of
+// threads.
+template <class Work, class Strip>
+void InThreadStrips(int count, Work work, Spread spread, Strip strip) {
+    const size_t byWork = static_cast<size_t>(work(0, count) / kStripThreadWork);
+    const size_t byLength = static_cast<size_t>(count) / kMinStripRows;
     UINT strips = 1;
-    while (strips < 8 && strips * 2 <= std::min(byWork, byRows)) strips *= 2;
-    // Where each row's work grows with its index (a triangle), strip i ends at rows sqrt((i + 1) / strips).
+    while (strips < 8 && strips * 2 <= std::min(byWork, byLength)) strips *= 2;
+    // Where each index's work grows linearly with it, strip i ends at count sqrt((i + 1) / strips); where it
+    // shrinks, at the mirror of that.
     auto edge = [&](UINT i) {
-        if (i >= strips) return rows;
-        const double share = growing ? std::sqrt(double(i) / strips) : double(i) / strips;
-        return static_cast<int>(rows * share) / 8 * 8;
+        if (i >= strips) return count;
+        const double f = double(i) / strips;
+        const double share = spread == Spread::Growing     ? std::sqrt(f)
+                             : spread == Spread::Shrinking ? 1.0 - std::sqrt(1.0 - f)
+                                                           : f;
+        return static_cast<int>(count * share) / 8 * 8;
     };
     RunParts(strips, static_cast<UINT>(ThreadCount()), [&](UINT i, UINT) {
-        const int r0 = edge(i), r1 = edge(i + 1);
-        if (r1 > r0) strip(r0, r1);
+        const int i0 = edge(i), i1 = edge(i + 1);
+        if (i1 > i0) strip(i0, i1);
     });
 }
 
-// The inverse of the factored diagonal block k0 .. k0 + w - 1 (lower, w x w at stride w; nothing above its
-// diagonal is written or read), by LAPACK on one BLAS thread.
+// The inverse of the factored diagonal block k0 .. k0 + w - 1 (lower, column-major, w x w at stride w;
+// nothing above its diagonal is written or read), by LAPACK on one BLAS thread.
 void InvertDiagonalBlock(const CCholesky& c, int k0, int w, double* inverse) {
-    for (int i = 0; i < w; ++i) std::copy(c.At(k0 + i, k0), c.At(k0 + i, k0 + i + 1), inverse + size_t(i) * w);
-    const char upper = 'U', nonUnit = 'N';
+    for (int j = 0; j < w; ++j) std::copy(c.At(k0 + j, k0 + j), c.At(k0 + w, k0 + j), inverse + size_t(j) * w + j);
+    const char lower = 'L', nonUnit = 'N';
     const lapack_int order = w, ld = w;
     lapack_int info = 0;
-    LAPACK_dtrtri(&upper, &nonUnit, &order, inverse, &ld, &info);  // its diagonal is positive: info stays 0
+    LAPACK_dtrtri(&lower, &nonUnit, &order, inverse, &ld, &info);  // its diagonal is positive: info stays 0
 }
 
-// The rows k1 .. n - 1 below the diagonal block k0 .. k1 - 1, factored already: L21 = A21 L11^-T, then
-// A22 -= L21 L21^T on the lower triangle, each by strips of rows (the part of an update strip left of its
-// diagonal block as a product in pieces of bounded work, the diagonal block by a symmetric rank-k update).
-// L21 is A21 times the block's inverse, transposed: the BLAS's triangular product runs at three times the
-// speed of its triangular solve for a block this narrow, and the inverse of a positive definite matrix's
-// Cholesky block is as well conditioned as the block.
+// The rows k1 .. n - 1 below the diagonal block k0 .. k1 - 1, factored already: L21 = A21 L11^-T by strips
+// of rows, then A22 -= L21 L21^T on the lower triangle by strips of columns, whose elements lie together in
+// memory (the diagonal block of a strip by a symmetric rank-k update, the rows below it as a product in pieces
+// of bounded work). L21 is A21 times the block's inverse, transposed: the BLAS's triangular product runs at
+// three times the speed of its triangular solve for a block this narrow, and the inverse of a positive
+// definite matrix's Cholesky block is as well conditioned as the block.
 void UpdateBelow(const CCholesky& c, int k0, int k1, double* inverse) {
     const int w = k1 - k0, m = c.n - k1;
     InvertDiagonalBlock(c, k0, w, inverse);
-    InRowStrips(
-        m, [&](int r0, int r1) { return double(r1 - r0) * w * w; }, false,
+    InThreadStrips(
+        m, [&](int r0, int r1) { return double(r1 - r0) * w * w; }, Spread::Even,
         [&](int r0, int r1) {
-            cblas_dtrmm(CblasRowMajor, CblasRight, CblasLower, CblasTrans, CblasNonUnit, r1 - r0, w, 1.0, inverse,
+            cblas_dtrmm(CblasColMajor, CblasRight, CblasLower, CblasTrans, CblasNonUnit, r1 - r0, w, 1.0, inverse,
                         w, c.At(k1 + r0, k0), c.n);
         });
     c.cancel.ThrowIfAbandoned();
-    InRowStrips(
-        m, [&](int r0, int r1) { return double(r1 - r0) * (r1 + r0) * w; }, true,
-        [&](int r0, int r1) {
-            const int rows = r1 - r0;
+    InThreadStrips(
+        m, [&](int j0, int j1) { return double(j1 - j0) * (2.0 * m - j0 - j1) * w; }, Spread::Shrinking,
+        [&](int j0, int j1) {
+            const int cols = j1 - j0;
+            cblas_dsyrk(CblasColMajor, CblasLower, CblasNoTrans, cols, w, -1.0, c.At(k1 + j0, k0), c.n, 1.0,
+                        c.At(k1 + j0, k1 + j0), c.n);
             InStrips(
-                static_cast<size_t>(r0), 2.0 * rows * w, c.cancel,
-                [&](size_t j0, size_t width) {
-                    cblas_dgemm(CblasRowMajor, CblasNoTrans, CblasTrans, rows, static_cast<int>(width), w, -1.0,
-                                c.At(k1 + r0, k0), c.n, c.At(k1 + static_cast<int>(j0), k0), c.n, 1.0,
-                                c.At(k1 + r0, k1 + static_cast<int>(j0)), c.n);
+                static_cast<size_t>(m - j1), 2.0 * cols * w, c.cancel,
+                [&](size_t offset, size_t rows) {
+                    const int i0 = k1 + j1 + static_cast<int>(offset);
+                    cblas_dgemm(CblasColMajor, CblasNoTrans, CblasTrans, static_cast<int>(rows), cols, w, -1.0,
+                                c.At(i0, k0), c.n, c.At(k1 + j0, k0), c.n, 1.0, c.At(i0, k1 + j0), c.n);
                 },
                 kPieceWork);
-            cblas_dsyrk(CblasRowMajor, CblasLower, CblasNoTrans, rows, w, -1.0, c.At(k1 + r0, k0), c.n, 1.0,
-                        c.At(k1 + r0, k1 + r0), c.n);
         });
 }
 
@@ -161,7 +174,7 @@ std::vector<int>& PivotScratch() {
 
 bool FactorDampedCholesky(double* a, int n, const double* diagonal, double damping, const CCancelToken& cancel) {
     if (n <= 0) return true;
-    CSingleBlasThread single;  // every product on one BLAS thread, the strips on the threads (InRowStrips)
+    CSingleBlasThread single;  // every product on one BLAS thread, the strips on the threads (InThreadStrips)
     const CCholesky c{a, n, diagonal, damping, cancel};
     cancel.ThrowIfAbandoned();
     if (n <= kWholeOrder) {
@@ -169,8 +182,8 @@ bool FactorDampedCholesky(double* a, int n, const double* diagonal, double dampi
         return FactorSmall(c, 0, n);
     }
     // The first step's update reaches every element of the lower triangle: all of it is loaded first.
-    InRowStrips(
-        n, [&](int r0, int r1) { return double(r1 - r0) * (r1 + r0) / 2; }, true,
+    InThreadStrips(
+        n, [&](int r0, int r1) { return double(r1 - r0) * (r1 + r0) / 2; }, Spread::Growing,
         [&](int r0, int r1) { Load(c, r0, r1, 0, r1); });
     std::vector<double>& inverse = StepScratch();
     inverse.resize(size_t(kStepColumns) * kStepColumns);
@@ -187,8 +200,8 @@ void SolveWithCholesky(const double* l, int n, const double* b, double* x) {
     if (n <= 0) return;
     CSingleBlasThread single;  // two passes over the factor: memory-bound, one thread reads as fast as two
     std::copy(b, b + n, x);
-    cblas_dtrsv(CblasRowMajor, CblasLower, CblasNoTrans, CblasNonUnit, n, l, n, x, 1);
-    cblas_dtrsv(CblasRowMajor, CblasLower, CblasTrans, CblasNonUnit, n, l, n, x, 1);
+    cblas_dtrsv(CblasColMajor, CblasLower, CblasNoTrans, CblasNonUnit, n, l, n, x, 1);
+    cblas_dtrsv(CblasColMajor, CblasLower, CblasTrans, CblasNonUnit, n, l, n, x, 1);
 }
 
 void SolveDampedByLU(const double* a, int n, const double* diagonal, double damping, const double* b, double* x,
@@ -196,9 +209,9 @@ void SolveDampedByLU(const double* a, int n, const double* diagonal, double damp
     const size_t size = static_cast<size_t>(std::max(n, 0));
     for (size_t i = 0; i < size; ++i) {
         double* row = spare + i * size;
-        for (size_t j = 0; j < i; ++j) row[j] = a[j * size + i];
+        std::copy(a + i * size, a + i * size + i, row);
         row[i] = diagonal[i] + damping;
-        std::copy(a + i * size + i + 1, a + (i + 1) * size, row + i + 1);
+        for (size_t j = i + 1; j < size; ++j) row[j] = a[j * size + i];
     }
     std::vector<int>& indx = PivotScratch();
     if (indx.size() < size) indx.resize(size);

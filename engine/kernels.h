@@ -112,15 +112,16 @@ void FactorLU(double* a, int n, int* indx, const CCancelToken& cancel);
 // their order, then the two triangular solves, as the plain substitution does for one right-hand side.
 void SolveWithFactors(const double* lu, int n, const int* indx, const double* b, double* x);
 
-// The damped matrix of a try: A + damping I for the symmetric A of order n whose strict upper triangle `a`
-// holds (row-major, as the accumulation leaves it) and whose diagonal is `diagonal`; A's own diagonal and
-// lower triangle in `a` are not read.
+// The damped matrix of a try: A + damping I for the symmetric A of order n whose strict lower triangle `a`
+// holds (row-major; the accumulation leaves both triangles) and whose diagonal is `diagonal`; A's own diagonal
+// and upper triangle in `a` are not read.
 //
-// FactorDampedCholesky writes the Cholesky factor L of the damped matrix (A + damping I = L L^T) into a's
-// lower triangle and diagonal, leaving the strict upper triangle as it was, and returns true; false when
-// the damped matrix is not positive definite (a diagonal element of L would not be a positive finite number:
-// NaNs and infinities end here too), a's lower triangle and diagonal then holding no defined value. Throws
-// CCancelled when cancel is abandoned on the way.
+// FactorDampedCholesky writes the Cholesky factor L of the damped matrix (A + damping I = L L^T) over a's
+// diagonal and upper triangle, column by column (l[j * n + i] = L(i, j) for i >= j: L^T, read row-major),
+// leaving the strict lower triangle as it was, and returns true; false when the damped matrix is not
+// positive definite (a diagonal element of L would not be a positive finite number: NaNs and infinities end
+// here too), a's diagonal and upper triangle then holding no defined value. Throws CCancelled when cancel is
+// abandoned on the way.
 bool FactorDampedCholesky(double* a, int n, const double* diagonal, double damping, const CCancelToken& cancel);
 
 // x solves L L^T x = b for the factor that FactorDampedCholesky left in l.
@@ -133,7 +134,7 @@ void SolveDampedByLU(const double* a, int n, const double* diagonal, double damp
 
 // The damped step: x solves (A + damping I) x = b by FactorDampedCholesky and SolveWithCholesky, or, where
 // the damped matrix is not positive definite, by SolveDampedByLU, so that a singular matrix fails as the
-// plain decomposition fails ("Singular matrix in LUdcmp"). The strict upper triangle of a stays as it was.
+// plain decomposition fails ("Singular matrix in LUdcmp"). The strict lower triangle of a stays as it was.
 void SolveDamped(double* a, int n, const double* diagonal, double damping, const double* b, double* x,
                  double* spare, const CCancelToken& cancel);
 

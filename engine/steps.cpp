@@ -64,8 +64,8 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double p
     const CStepArrays s = trainee.Step();
     const size_t n = s.nParams;
     std::memcpy(s.pDelta, s.pParams, n * sizeof(double));
-    // Each try writes its factors over the quasi-Hessian's diagonal and lower triangle, and reads the matrix
-    // from the strict upper triangle, which stays, and from this copy of the diagonal.
+    // Each try writes its factors over the quasi-Hessian's diagonal and upper triangle, and reads the matrix
+    // from the strict lower triangle, which stays, and from this copy of the diagonal.
     std::vector<double> diagonal(n), step(n);
     for (size_t d = 0; d < n; ++d) diagonal[d] = s.pHessian[d * n + d];
 

@@ -45,8 +45,8 @@ public:
     // The gradient and the error of the same network in one pass.
     virtual double AccumulateGradientAndError(bool improved) = 0;
     // x (nParams) solves (quasi-Hessian + damping I) x = gradient, where the quasi-Hessian is read from its
-    // strict upper triangle and `diagonal` (nParams); its diagonal and lower triangle get the factors, its
-    // strict upper triangle stays (kernels::SolveDamped). Throws CSingularMatrixException.
+    // strict lower triangle and `diagonal` (nParams); its diagonal and upper triangle get the factors, its
+    // strict lower triangle stays (kernels::SolveDamped). Throws CSingularMatrixException.
     virtual void SolveHessian(const double* diagonal, double damping, double* x) = 0;
     // Error Correction: a network of no units (the bias 1.0), and a new unit at the worst pattern.
     virtual void ResetNetwork() = 0;

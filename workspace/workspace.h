@@ -141,7 +141,7 @@ public:
 
     // ---- matrix decomposition (workspace/numerics.cpp, on the engine) ------------------------------------------
     // The damped step without forming the inverse: x solves (m_pHessian + damping I) x = m_pGradient, with
-    // m_pHessian read from its strict upper triangle and `diagonal`, and its factors written beside that
+    // m_pHessian read from its strict lower triangle and `diagonal`, and its factors written beside that
     // (engine::kernels::SolveDamped; a singular matrix raises "Singular matrix in LUdcmp").
     void SolveHessian(const double* diagonal, double damping, double* x);
     void LUdcmp(double* a, int n, int* indx);
