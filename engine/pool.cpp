@@ -16,7 +16,8 @@ struct CWorkerPool::CJob {
     const std::function<void(UINT)>* drain;
     UINT slots;         // helpers wanted: workers 1 .. slots
     UINT taken = 0;     // slots handed out so far
-    UINT attached = 0;  // helpers inside drain now
+    // Helpers inside drain now: changed under the mutex, read without it by a poster that waits awake.
+    std::atomic<UINT> attached{0};
 };
 
 namespace {
@@ -27,6 +28,9 @@ std::atomic<CWorkerPool*> g_pool{nullptr};
 // one iteration (the accumulation's parts, then the factorization's strips), short enough not to take a
 // core for long from other programs once training has stopped.
 constexpr auto kAwake = std::chrono::microseconds(200);
+
+// How long a poster whose own share is done waits awake for its helpers before it sleeps until they leave.
+constexpr auto kAwaitHelpers = std::chrono::microseconds(100);
 
 inline void Pause() {
 #if defined(__x86_64__) || defined(__i386__)
@@ -111,7 +115,16 @@ void CWorkerPool::Share(const std::function<void(UINT)>& drain, UINT helpers) {
         std::unique_lock<std::mutex> lock(m_mutex);
         m_jobs.erase(std::find(m_jobs.begin(), m_jobs.end(), &job));
         m_freeSlots.fetch_sub(job.slots - job.taken, std::memory_order_relaxed);
-        m_left.wait(lock, [&] { return job.attached == 0; });
+        if (job.attached.load(std::memory_order_acquire) == 0) return;
+        // The helpers' shares end about when this thread's does: a short wait awake is over before a sleeping
+        // thread would be woken (tens of microseconds on a virtual machine), and the kept threads' shares
+        // are often that short.
+        lock.unlock();
+        const auto until = std::chrono::steady_clock::now() + kAwaitHelpers;
+        while (job.attached.load(std::memory_order_acquire) != 0 && std::chrono::steady_clock::now() < until)
+            for (int i = 0; i < 32; ++i) Pause();
+        lock.lock();
+        m_left.wait(lock, [&] { return job.attached.load(std::memory_order_relaxed) == 0; });
     };
     try {
         drain(0);
