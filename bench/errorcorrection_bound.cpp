@@ -20,14 +20,15 @@ namespace {
 
 using engine::UINT;
 
-// The engine's buffers, counting the solves (the tries) of every unit.
+// The engine's buffers, counting the solves (the tries) of every unit: each try is a solve of its own here,
+// never one solved beside the try before it.
 class CCountingBuffers : public engine::CNetworkBuffers {
 public:
     std::vector<double> tries;  // element u - 1: the tries of the network of u units
-    void SolveHessian(const double* diagonal, double damping, double* x) override {
+    void SolveHessian(const double* diagonal, double damping, double* x, engine::CNextTry*) override {
         if (tries.size() < Units()) tries.resize(Units(), 0.0);
         if (Units() > 0) tries[Units() - 1] += 1.0;
-        engine::CNetworkBuffers::SolveHessian(diagonal, damping, x);
+        engine::CNetworkBuffers::SolveHessian(diagonal, damping, x, nullptr);
     }
 };
 

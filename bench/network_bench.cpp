@@ -97,7 +97,7 @@ constexpr int kSettleIterations = 10;
 // of the damped solve), rebuilt from the kept triangle first.
 class CLUTries : public CNetworkBuffers {
 public:
-    void SolveHessian(const double* diagonal, double damping, double* x) override {
+    void SolveHessian(const double* diagonal, double damping, double* x, engine::CNextTry*) override {
         const engine::CStepArrays s = Step();
         m_whole.resize(size_t(s.nParams) * s.nParams);
         engine::kernels::SolveDampedByLU(s.pHessian, static_cast<int>(s.nParams), diagonal, damping, s.pGradient,

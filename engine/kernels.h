@@ -138,5 +138,12 @@ void SolveDampedByLU(const double* a, int n, const double* diagonal, double damp
 void SolveDamped(double* a, int n, const double* diagonal, double damping, const double* b, double* x,
                  double* spare, const CCancelToken& cancel);
 
+// SolveDamped, and beside it, on a kept thread where the factorization runs on one and another is free, the
+// step of nextDamping into nextX (its factors in spare, as FactorDampedCholesky would leave them in a): true
+// when nextX holds it, bit for bit what SolveDamped would give for nextDamping. A matrix that is not positive
+// definite at nextDamping leaves nextX to SolveDamped.
+bool SolveDampedWithNext(double* a, int n, const double* diagonal, double damping, const double* b, double* x,
+                         double nextDamping, double* nextX, double* spare, const CCancelToken& cancel);
+
 }  // namespace kernels
 }  // namespace engine

@@ -52,10 +52,13 @@ double CNetworkPolicy::AccumulateGradientAndError(bool improved) {
     return Accumulated(improved, false) / static_cast<double>(Patterns());
 }
 
-void CNetworkPolicy::SolveHessian(const double* diagonal, double damping, double* x) {
+void CNetworkPolicy::SolveHessian(const double* diagonal, double damping, double* x, CNextTry* next) {
     const CStepArrays s = m_store.Step();
-    kernels::SolveDamped(s.pHessian, static_cast<int>(s.nParams), diagonal, damping, s.pGradient, x, m_store.Spare(),
-                         m_cancel);
+    const int n = static_cast<int>(s.nParams);
+    if (!next) return kernels::SolveDamped(s.pHessian, n, diagonal, damping, s.pGradient, x, m_store.Spare(), m_cancel);
+    next->solved = false;  // and so it stays when this try throws
+    next->solved = kernels::SolveDampedWithNext(s.pHessian, n, diagonal, damping, s.pGradient, x, next->damping,
+                                                next->x, m_store.Spare(), m_cancel);
 }
 
 void CNetworkPolicy::ResetNetwork() {

@@ -61,7 +61,7 @@ public:
     double ComputeOutputs() override;
     void Accumulate(bool improved, bool secondOrder) override;
     double AccumulateGradientAndError(bool improved) override;
-    void SolveHessian(const double* diagonal, double damping, double* x) override;
+    void SolveHessian(const double* diagonal, double damping, double* x, CNextTry* next) override;
     void ResetNetwork() override;
     void AddUnitAtWorstPattern() override;
 

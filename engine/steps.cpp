@@ -26,13 +26,14 @@ namespace {
 // What a form that fails non-finite tries changes of the window's rules, in one place.
 struct CNonFiniteRule {
     // x solves the damped system; false when the matrix is singular and the form fails such a try.
-    static bool Solve(CTrainee& trainee, const CDampedForm& form, const double* diagonal, double damping, double* x) {
+    static bool Solve(CTrainee& trainee, const CDampedForm& form, const double* diagonal, double damping, double* x,
+                      CNextTry* next) {
         if (!form.nonFiniteFails) {
-            trainee.SolveHessian(diagonal, damping, x);
+            trainee.SolveHessian(diagonal, damping, x, next);
             return true;
         }
         try {
-            trainee.SolveHessian(diagonal, damping, x);
+            trainee.SolveHessian(diagonal, damping, x, next);
             return true;
         } catch (const CSingularMatrixException&) {
             return false;
@@ -56,6 +57,38 @@ struct CNonFiniteRule {
     }
 };
 
+// The damping of the next try after a failed one, or of the next iteration's first after a lowered error: ten
+// times or a tenth the value, within the ceiling and the floor.
+double DampingAfter(bool lowered, double damping) {
+    if (lowered && damping > kDampingFloor) return damping * 0.1;
+    if (!lowered && damping < kDampingCeiling) return damping * 10.0;
+    return damping;
+}
+
+// The steps of one iteration's tries. The trainee may solve the step of the try after a failure beside each,
+// on a thread that the factorization leaves free; that try then takes it as it stands.
+class CTrySteps {
+public:
+    explicit CTrySteps(size_t n) : m_step(n), m_ahead(n) {}
+
+    // The step of a try at `damping` into Step(); false where the form fails a try of a singular matrix. last:
+    // no try follows this one.
+    bool Solve(CTrainee& trainee, const CDampedForm& form, const double* diagonal, double damping, bool last) {
+        if (m_next.solved && m_next.damping == damping) {
+            m_step.swap(m_ahead);
+            m_next.solved = false;
+            return true;
+        }
+        m_next = CNextTry{DampingAfter(false, damping), m_ahead.data(), false};
+        return CNonFiniteRule::Solve(trainee, form, diagonal, damping, m_step.data(), last ? nullptr : &m_next);
+    }
+    const double* Step() const { return m_step.data(); }
+
+private:
+    std::vector<double> m_step, m_ahead;
+    CNextTry m_next;  // m_ahead's try
+};
+
 }  // namespace
 
 CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double previousError, double damping,
@@ -66,17 +99,19 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double p
     std::memcpy(s.pDelta, s.pParams, n * sizeof(double));
     // Each try writes its factors over the quasi-Hessian's diagonal and upper triangle, and reads the matrix
     // from the strict lower triangle, which stays, and from this copy of the diagonal.
-    std::vector<double> diagonal(n), step(n);
+    std::vector<double> diagonal(n);
     for (size_t d = 0; d < n; ++d) diagonal[d] = s.pHessian[d * n + d];
 
     CDampedStep result{0.0, damping, 0};
+    CTrySteps steps(n);
     bool lowered = false;
     while (!lowered && result.tries < kMaxTries) {
         cancel.ThrowIfAbandoned();
         ++result.tries;
         // The step is the damped matrix's inverse applied to the gradient; a solve with the factors gives it
         // at a fraction of the cost of forming the inverse.
-        if (CNonFiniteRule::Solve(trainee, form, diagonal.data(), result.damping, step.data())) {
+        if (steps.Solve(trainee, form, diagonal.data(), result.damping, result.tries == kMaxTries)) {
+            const double* step = steps.Step();
             for (size_t r = 0; r < n; ++r) s.pParams[r] = s.pDelta[r] - step[r];
             trainee.UnpackParameters();
             result.error = form.keepOutputs ? trainee.ComputeOutputs() : trainee.ComputeError();
@@ -85,8 +120,7 @@ CDampedStep DampedIteration(CTrainee& trainee, const CDampedForm& form, double p
         }
         // Smaller, or NaN: success. An equal error is a failure.
         lowered = CNonFiniteRule::Lower(form, result.error, previousError);
-        if (lowered && result.damping > kDampingFloor) result.damping *= 0.1;
-        if (!lowered && result.damping < kDampingCeiling) result.damping *= 10.0;
+        result.damping = DampingAfter(lowered, result.damping);
     }
     result.error = CNonFiniteRule::Settle(trainee, form, s, lowered, result.error);
     return result;

@@ -23,6 +23,14 @@ struct CStepArrays {
     UINT nParams = 0;
 };
 
+// The try that follows the one under way, should that one fail: its damping, and where its step goes when the
+// trainee solves it beside the one under way, on a thread that is free; `solved` says that it did.
+struct CNextTry {
+    double damping = 0.0;
+    double* x = nullptr;
+    bool solved = false;
+};
+
 class CTrainee {
 public:
     virtual ~CTrainee() = default;
@@ -46,8 +54,9 @@ public:
     virtual double AccumulateGradientAndError(bool improved) = 0;
     // x (nParams) solves (quasi-Hessian + damping I) x = gradient, where the quasi-Hessian is read from its
     // strict lower triangle and `diagonal` (nParams); its diagonal and upper triangle get the factors, its
-    // strict lower triangle stays (kernels::SolveDamped). Throws CSingularMatrixException.
-    virtual void SolveHessian(const double* diagonal, double damping, double* x) = 0;
+    // strict lower triangle stays (kernels::SolveDamped). next: none, or the following try, which the trainee
+    // may solve as well (the same bits as a call of its own would give). Throws CSingularMatrixException.
+    virtual void SolveHessian(const double* diagonal, double damping, double* x, CNextTry* next) = 0;
     // Error Correction: a network of no units (the bias 1.0), and a new unit at the worst pattern.
     virtual void ResetNetwork() = 0;
     virtual void AddUnitAtWorstPattern() = 0;

@@ -143,7 +143,7 @@ void CVantrelDlg::InitializeNetwork() { CWorkspaceTrainee(*this).InitializeNetwo
 void CVantrelDlg::LUdcmp(double* a, int n, int* indx) { engine::kernels::FactorLU(a, n, indx, m_cancel); }
 
 void CVantrelDlg::SolveHessian(const double* diagonal, double damping, double* x) {
-    CWorkspaceTrainee(*this).SolveHessian(diagonal, damping, x);
+    CWorkspaceTrainee(*this).SolveHessian(diagonal, damping, x, nullptr);
 }
 
 void CVantrelDlg::ResetNetwork() { CWorkspaceTrainee(*this).ResetNetwork(); }

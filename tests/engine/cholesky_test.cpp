@@ -171,6 +171,51 @@ TEST(SolveDamped, MatrixThatIsNotPositiveDefiniteEndsExactlyAsTheLUAloneEndsIt) 
     }
 }
 
+// SolveDamped alone at one damping value, from a fresh copy of the kept matrix.
+std::vector<double> SolvedAlone(const CKept& k, double damping, const std::vector<double>& b) {
+    std::vector<double> a = k.WithNaNsOutsideTheKeptTriangle(), spare(a.size()), x(k.n);
+    kernels::SolveDamped(a.data(), k.n, k.diagonal.data(), damping, b.data(), x.data(), spare.data(),
+                         CCancelToken::Never());
+    return x;
+}
+
+TEST(SolveDamped, NextTrySolvedBesideGivesTheBitsOfItsOwnSolve) {
+    struct Case {
+        const char* name;
+        int n;
+        double damping, nextDamping;
+        bool spoiled;  // a late diagonal element far below zero: not positive definite at small dampings, and
+                       // found so only near the end of the factorization, with time for a helper to join
+        bool beside;   // whether the next try may be solved beside
+    };
+    const Case cases[] = {
+        {"too small to hand over", 30, 0.01, 0.1, false, false},
+        {"one factorization", 101, 0.01, 0.1, false, true},
+        {"the largest factored whole", 480, 0.01, 0.1, false, true},
+        {"factored in steps on every thread", 600, 0.01, 0.1, false, false},
+        {"this try falls back to the LU, the next is positive definite", 101, 0.01, 1e9, true, true},
+        {"neither positive definite", 101, 0.01, 0.1, true, false},
+    };
+    for (const Case& c : cases) {
+        CKept k(c.n, 11);
+        if (c.spoiled) k.diagonal[c.n - 3] = -1e6;
+        std::vector<double> b(c.n);
+        for (int i = 0; i < c.n; ++i) b[i] = 1.0 - 0.5 * (i % 3);
+        const std::vector<double> own = SolvedAlone(k, c.damping, b), ownNext = SolvedAlone(k, c.nextDamping, b);
+        // A kept thread that is slow to wake may not join a call: it joins one of a few.
+        bool solved = false;
+        for (int attempt = 0; attempt < 50 && !solved; ++attempt) {
+            std::vector<double> a = k.WithNaNsOutsideTheKeptTriangle(), spare(a.size(), kNaN), x(c.n), next(c.n, kNaN);
+            solved = kernels::SolveDampedWithNext(a.data(), c.n, k.diagonal.data(), c.damping, b.data(), x.data(),
+                                                  c.nextDamping, next.data(), spare.data(), CCancelToken::Never());
+            ASSERT_EQ(Bits(x), Bits(own)) << c.name << ": this try's step";
+            ASSERT_EQ(Bits(k.StrictLower(a)), Bits(k.StrictLower(k.matrix))) << c.name << ": the kept triangle changed";
+            if (solved) EXPECT_EQ(Bits(next), Bits(ownNext)) << c.name << ": the next try's step";
+        }
+        EXPECT_EQ(solved, c.beside) << c.name;
+    }
+}
+
 TEST(SolveDamped, AbandonedTokenThrowsCancelled) {
     const CKept k(100, 3);
     std::vector<double> a = k.matrix;

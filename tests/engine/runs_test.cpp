@@ -184,7 +184,7 @@ CTrainedBits AccumulatedOn(int threads, const CSampleShape& shape) {
     sample.buffers.Accumulate(false, true);
     std::vector<double> diagonal(a.nParams), step(a.nParams);
     for (size_t d = 0; d < a.nParams; ++d) diagonal[d] = a.pHessian[d * a.nParams + d];
-    sample.buffers.SolveHessian(diagonal.data(), 0.01, step.data());
+    sample.buffers.SolveHessian(diagonal.data(), 0.01, step.data(), nullptr);
     bits.insert(bits.end(), step.begin(), step.end());
     engine::kernels::LimitThreads(0);
     return bits;

@@ -63,12 +63,18 @@ public:
         hessian = {kH0, 0.0, 0.0, kH1};
     }
     double AccumulateGradientAndError(bool) override { return 0.0; }
-    void SolveHessian(const double* diagonal, double damping, double* x) override {
+    void SolveHessian(const double* diagonal, double damping, double* x, engine::CNextTry* next) override {
         diagonals.push_back({diagonal[0], diagonal[1]});
         dampings.push_back(damping);
+        offered.push_back(next ? next->damping : -1.0);
         if (singularSolves > 0 && singularSolves--) throw engine::CSingularMatrixException();
         x[0] = gradient[0] / (diagonal[0] + damping);
         x[1] = gradient[1] / (diagonal[1] + damping);
+        if (solvesNext && next) {
+            next->x[0] = gradient[0] / (diagonal[0] + next->damping);
+            next->x[1] = gradient[1] / (diagonal[1] + next->damping);
+            next->solved = true;
+        }
         hessian[0] = hessian[3] = std::numeric_limits<double>::quiet_NaN();
     }
     void ResetNetwork() override {}
@@ -77,6 +83,8 @@ public:
     static constexpr double kG0 = 3.0, kG1 = 8.0, kH0 = 2.0, kH1 = 4.0;
     std::deque<double> errors;
     std::vector<double> params, delta, gradient, hessian, triedParams, dampings;
+    std::vector<double> offered;  // the damping of the next try offered with each solve; -1: none
+    bool solvesNext = false;      // solves the offered next try beside each one
     std::vector<std::vector<double>> diagonals;
     int accumulations = 0, outputMeasures = 0;
     int singularSolves = 0;  // the first ones find the damped matrix singular
@@ -154,6 +162,33 @@ TEST(DampedIteration, EveryTryStepsFromTheSavedPointAndNothingIsRolledBack) {
     CScriptedTrainee growth;
     engine::DampedIteration(growth, engine::CDampedForm{false, true}, 0.5, 0.01, engine::CCancelToken::Never());
     EXPECT_EQ(growth.outputMeasures, 1) << "Error Correction must judge by ComputeOutputs";
+}
+
+TEST(DampedIteration, TheNextTryIsOfferedAtItsDampingAndItsStepTakenWhereSolvedBeside) {
+    const std::deque<double> sixFailures{0.6, 0.7, 0.8, 0.9, 1.0, 1.1};
+    CScriptedTrainee plain;
+    Iterate(plain, sixFailures, 0.5, 0.01);
+    EXPECT_EQ(plain.offered, (std::vector<double>{0.1, 1.0, 10.0, 100.0, 1000.0, -1.0}))
+        << "each solve offers the try after a failure, ten times the damping; the sixth has none after it";
+    CScriptedTrainee atCeiling;
+    Iterate(atCeiling, sixFailures, 0.5, 1e20);
+    EXPECT_EQ(atCeiling.offered[0], 1e20) << "at the ceiling the next try's damping stays";
+
+    CScriptedTrainee beside;
+    beside.solvesNext = true;
+    Iterate(beside, sixFailures, 0.5, 0.01);
+    EXPECT_EQ(beside.dampings, (std::vector<double>{0.01, 1.0, 100.0}))
+        << "a try whose step was solved beside the one before must not be solved again";
+    EXPECT_EQ(beside.triedParams, plain.triedParams) << "the steps solved beside are the tries' own";
+    EXPECT_EQ(beside.params, plain.params);
+
+    // A solve that throws leaves the next try unsolved: the next try solves its own.
+    CScriptedTrainee singular;
+    singular.solvesNext = true;
+    singular.singularSolves = 1;
+    const CDampedStep r = Iterate(singular, {0.3}, 0.5, 0.01, engine::CCancelToken::Never(), {false, false, true});
+    EXPECT_EQ(r.tries, 2);
+    EXPECT_EQ(singular.dampings, (std::vector<double>{0.01, 0.1}));
 }
 
 TEST(DampedIteration, AbandonedTokenThrowsBeforeAnyTry) {
