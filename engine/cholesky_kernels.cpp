@@ -31,10 +31,10 @@ namespace {
 // leave more of the work to the one-thread factorization of the block and the triangular products, which run
 // well below it, and narrower ones make the update's products thin.
 constexpr int kStepColumns = 96;
-// A matrix of up to this order is factored whole by LAPACK on one thread: below it, the steps' one-thread
-// parts and their hand-offs cost more than the second thread saves (at 401 the steps took 481 microseconds,
-// one factorization 414; at 521, 768 against 799). The Error Correction Algorithm's networks of up to 120
-// units end here.
+// A matrix of up to this order is factored whole by LAPACK on one thread, which leaves the other free for the
+// next try's (SolveDampedWithNext). Alone, the steps' one-thread parts and hand-offs cost about what the second
+// thread saves here (401: 448 microseconds in steps, 416 whole; 441: 527 and 533; 481: 615 and 648), and the
+// next try then comes for little more. The Error Correction Algorithm's networks of up to 120 units end here.
 constexpr int kWholeOrder = 480;
 // Strips shared among the threads are at least this long: each packs the step's columns anew, and fewer,
 // longer strips keep the products large.
