@@ -76,9 +76,9 @@ void Load(const CCholesky& c, int i0, int i1, int j0, int j1) {
         }
 }
 
-// The diagonal block k0 .. k0 + w - 1 by LAPACK's Cholesky on one BLAS thread. false when a diagonal element of L is not a positive finite number:
-// the matrix is not positive definite, or holds NaNs or infinities (each element of a row of L enters that
-// row's diagonal element), whose ends the LU decides.
+// The diagonal block k0 .. k0 + w - 1 by LAPACK's Cholesky on one BLAS thread. false when a diagonal element
+// of L is not a positive finite number: the matrix is not positive definite, or holds NaNs or infinities (each
+// element of a row of L enters that row's diagonal element), whose ends the LU decides.
 bool FactorSmall(const CCholesky& c, int k0, int w) {
     const char lower = 'L';
     const lapack_int order = w, ld = c.n;
