@@ -142,9 +142,12 @@ class DaskPatterns:
             raise
 
     def _network(self, network):
-        # Sent once to each worker for the pass, not with every task.
+        # Scattered once for the pass: each worker fetches it once, as its tasks' dependency, not with every task.
+        # Not broadcast: the scheduler's replication races with a worker lost on the way and fails the scatter
+        # itself (ValueError "Sample larger than population", dask/distributed#6713), where a lost copy only
+        # cancels the pass, which _run sends again.
         # In a list: a dict alone would be scattered value by value, under its own keys.
-        [sent] = self._client.scatter([network], broadcast=True, hash=False)
+        [sent] = self._client.scatter([network], hash=False)
         return sent
 
     def sum_derivatives(self, network, improved, n_params, hessian):
